@@ -12,3 +12,10 @@ void stop_run(const Listing& lst, std::initializer_list<std::string> lines)
     lst.flush();
     throw RunStopped{};
 }
+
+void stop_input(const Listing& lst, std::initializer_list<std::string> lines)
+{
+    message(lst, lines);
+    lst.flush();
+    throw RunStopped{2};
+}

@@ -43,5 +43,11 @@ std::string free_line(const Ts&... items)
     (fl << ... << items);
     return fl.str();
 }
+// The same values without the record's leading blank, for use inside a message line.
+template <typename... Ts>
+std::string free_items(const Ts&... items)
+{
+    return free_line(items...).substr(1);
+}
 // The list-directed form of one double, without the separating blank (25 columns).
 std::string fmt_free_real(double v);

@@ -11,9 +11,10 @@ struct LowerPattern {
     int bandwidth = 0;      // widest row found, diagonal included
     std::vector<int> ia;    // size neq+2; ia[neq+1] = nvec + 1
     std::vector<int> ja;    // size nvec+1: column of each stored entry
-    std::vector<int> icol;  // wide form for assembly, icol_at(m,k) = ja[ia[m]+k-1], 0 past the row
-    int stride = 0;         // rows reserved in icol (neq + 1)
+    std::vector<int> icol;  // wide form for assembly: icol_at(m,k) = ja[ia[m]+k-1], 0 past the row
 };
 
-inline int& icol_at(LowerPattern& p, int m, int k) { return p.icol[(k - 1) * p.stride + m]; }
-inline int icol_at(const LowerPattern& p, int m, int k) { return p.icol[(k - 1) * p.stride + m]; }
+// The wide form keeps the nb positions of a row side by side, so that the short linear
+// search of assembly touches one or two cache lines.
+inline int& icol_at(LowerPattern& p, int m, int k) { return p.icol[(m - 1) * p.nb + k]; }
+inline int icol_at(const LowerPattern& p, int m, int k) { return p.icol[(m - 1) * p.nb + k]; }

@@ -1,0 +1,107 @@
+#include "control/files.hpp"
+
+const std::vector<FileEntry>& file_table()
+{
+    static const std::vector<FileEntry> table = {
+        {5, "gelmor.data", OpenAs::old},
+        {6, "gelmor.lst", OpenAs::create},
+        {7, "therm_in.data", OpenAs::old},
+        {8, "gelmor_txz.plt", OpenAs::create},
+        {9, "gelmor_hxz.plt", OpenAs::create},
+        {10, "hinput.data", OpenAs::old},
+        {11, "tbck.out", OpenAs::create},
+        {12, "veloc2dxz.out", OpenAs::create},
+        {13, "zdat.out", OpenAs::create},
+        {14, "gelmor_txy_cxy.plt", OpenAs::create},
+        {15, "break.plt", OpenAs::create},
+        {16, "gelmor_tyz.plt", OpenAs::create},
+        {17, "moment.out", OpenAs::create},
+        {18, "peaktrace.plt", OpenAs::create},
+        {19, "htot_flux.plt", OpenAs::create},
+        {20, "t1dz.plt", OpenAs::create},
+        {21, "gelmor_hyz.plt", OpenAs::create},
+        {22, "vfracxz.out", OpenAs::create},
+        {23, "var.out", OpenAs::create},
+        {24, "param.out", OpenAs::create},
+        {25, "tdif.out", OpenAs::create},
+        {26, "tc3d1_gelmor.out", OpenAs::create},
+        {27, "tc3d2_gelmor.out", OpenAs::create},
+        {28, "tc3d3_gelmor.out", OpenAs::create},
+        {29, "tc3d4_gelmor.out", OpenAs::create},
+        {30, "tc3d5_gelmor.out", OpenAs::create},
+        {31, "t1dx.plt", OpenAs::create},
+        {32, "veloc3d.out", OpenAs::create},
+        {33, "vfracxy.out", OpenAs::create},
+        {34, "veloc2dxy.out", OpenAs::create},
+        {35, "tc3d_gelmormovie.out", OpenAs::create},
+        {36, "veloc2dyz.out", OpenAs::create},
+        {40, "gelmor_mass.out", OpenAs::create},
+        {41, "gelmor_tpeak.plt", OpenAs::create},
+        {42, "gelmor_1dxfront.plt", OpenAs::create},
+        {43, "t1dz_tdum.plt", OpenAs::create},
+        {44, "heatflux_2Dsurface.plt", OpenAs::create},
+        {45, "tair.data", OpenAs::old},
+        {46, "gelmor_hxy.plt", OpenAs::create},
+        {47, "fgen92.asc", OpenAs::old},
+        {48, "hbdy.data", OpenAs::old},
+        {49, "t1dx_tdum.plt", OpenAs::create},
+        {51, "k.plt", OpenAs::create},
+        {52, "vfracxyelemset1.plt", OpenAs::create},
+        {53, "veloc2d_in.data", OpenAs::old},
+        {54, "heatflux_bndy.plt", OpenAs::create},
+        {55, "heatercolumnavg_1Dz.plt", OpenAs::create},
+        {56, "heatercolumnavg_vs_t.plt", OpenAs::create},
+        {57, "bzin.data", OpenAs::old},
+        {58, "gelmor_1dzfront.plt", OpenAs::create},
+        {59, "gelmor_Pe_Co_xz.plt", OpenAs::create},
+        {60, "t1dx_hflux_xl.plt", OpenAs::create},
+        {61, "t1dx_bzq.plt", OpenAs::create},
+        {62, "gelmor_cxz.plt", OpenAs::create},
+        {63, "heatfluxtop.plt", OpenAs::create},
+        {64, "slope_zt.data", OpenAs::old},
+        {82, "grid3d.plt", OpenAs::old},
+        {88, "gelmor-debug_1dx.plt", OpenAs::create},
+    };
+    return table;
+}
+
+namespace {
+constexpr int max_unit = 150;
+}
+
+bool open_files(Files& files, const std::filesystem::path& dir)
+{
+    files.dir = dir;
+    files.out.clear();
+    files.in.clear();
+    files.out.resize(max_unit);
+    files.in.resize(max_unit);
+    files.present.assign(max_unit, false);
+    for (const FileEntry& f : file_table()) {
+        const auto path = dir / f.name;
+        if (f.mode == OpenAs::old) {
+            auto s = std::make_unique<std::ifstream>(path, std::ios::binary);
+            if (s->is_open()) {
+                files.present[f.unit] = true;
+                files.in[f.unit] = std::move(s);
+            } else if (f.unit == unit::deck) {
+                return false;
+            }
+        } else {
+            files.out[f.unit] = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
+        }
+    }
+    return true;
+}
+
+std::ofstream& open_late(Files& files, int unit, const char* name)
+{
+    files.out[unit] = std::make_unique<std::ofstream>(files.dir / name, std::ios::binary | std::ios::trunc);
+    return *files.out[unit];
+}
+
+void close_unit(Files& files, int unit)
+{
+    if (files.out[unit]) files.out[unit].reset();
+    if (files.in[unit]) files.in[unit].reset();
+}

@@ -1,0 +1,44 @@
+#pragma once
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+// The file table of a run.  Every file is opened at the start under its fixed unit
+// number, so that each output file exists even if it stays empty; the optional inputs
+// record whether they exist and their consumers decide later.
+enum class OpenAs { old, create };
+
+struct FileEntry {
+    int unit;
+    const char* name;
+    OpenAs mode;
+};
+
+// The table in opening order (the deck first, then the listing, ...).
+const std::vector<FileEntry>& file_table();
+
+struct Files {
+    std::filesystem::path dir;                        // working directory of the run
+    std::vector<std::unique_ptr<std::ofstream>> out;  // by unit: create files
+    std::vector<std::unique_ptr<std::ifstream>> in;   // by unit: old files that exist
+    std::vector<bool> present;                        // by unit: an old file was found
+
+    std::ofstream& w(int unit) { return *out[unit]; }
+    std::ifstream* r(int unit) { return in[unit].get(); }
+};
+
+// Opens the whole table in dir.  Returns false, with nothing opened, when the deck is
+// missing: a run cannot start without it.
+bool open_files(Files& files, const std::filesystem::path& dir);
+// Opens a late create file (fracture geometry, function table) under a unit.
+std::ofstream& open_late(Files& files, int unit, const char* name);
+void close_unit(Files& files, int unit);
+
+// Unit numbers used by name in the code.
+namespace unit {
+constexpr int deck = 5, lst = 6, therm_in = 7, hinput = 10, tair = 45, fgen = 47, hbdy = 48, veloc2d_in = 53,
+              bzin = 57, slope = 64, grid3d = 82;
+constexpr int fracgeo_xz = 99, fracgeo_xy = 98, den_visc = 99;
+}  // namespace unit

@@ -1,0 +1,121 @@
+#include "control/run_state.hpp"
+
+#include "control/stop.hpp"
+#include "flow/mindex.hpp"
+#include "grid/gengrid.hpp"
+#include "input/deck.hpp"
+#include "output/fortran_format.hpp"
+#include "timeloop/time_loop.hpp"
+
+#include <iostream>
+
+namespace {
+
+void write_banner(const Deck& deck, const Listing& lst, const Console& con)
+{
+    const std::vector<std::string> lines = banner_lines(deck);
+    for (const std::string& l : lines) lst.line(l);
+    for (const std::string& l : lines) con.line(l);
+}
+
+// Two corner columns of the flow grid, two nodes a line.
+void echo_vertical_strip(const Listing& lst, const Grid& g, const char* title, int first)
+{
+    lst.line(free_line(title));
+    for (int n = first; n < first + g.nz; n += 2) {
+        FreeLine fl;
+        fl << n << g.x[n] << g.y[n] << g.z[n];
+        if (n + 1 < first + g.nz) fl << (n + 1) << g.x[n + 1] << g.y[n + 1] << g.z[n + 1];
+        lst.line(fl.str());
+    }
+}
+
+void echo_transport_grid(const Listing& lst, const Grid& g)
+{
+    lst.line(free_line("transport grid ..."));
+    lst.line(free_line("number of nodes in vertical (z) direction  (nzt) = ", g.nzt));
+    lst.line(free_line("number of z-elements in transport grid:   (nezt) = ", g.nezt));
+    lst.line(free_line("total number of nodes in transport grid:   (nnt) = ", g.nnt));
+    lst.line(free_line("total number of elements in transport grid:(net) = ", g.net));
+}
+
+// Phases 3 to 22 of a run, in their fixed order; the deck is read strictly forward.
+void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Console& con)
+{
+    Options& opt = rs.opt;
+    Deck& deck = rs.deck;
+    Grid& g = rs.grid;
+
+    read_titles(rd, lst, deck);
+    write_banner(deck, lst, con);
+    read_options(rd, lst, opt);
+
+    read_grid_definition(rd, lst, g);
+    grid_sizes(g, opt, lst);
+    read_datum_record(rd, lst, g, deck);
+    read_wells(rd, lst, deck);
+
+    gengrid(g, 0, opt.unsat, opt.kgo);
+    echo_vertical_strip(lst, g, "vertical strip at (x,y)=(0,0) x,y,z coords:", 1);
+    echo_vertical_strip(lst, g, "vertical strip at (x,y)=(xl,yl) x,y,z coords:", g.nn - g.nz + 1);
+
+    read_fractures(rd, lst, deck);
+    lst.flush();
+
+    mindex(rd, lst, 0, g.nn, g.ne, g.nx, g.ny, g.nz, g.in, g.x, g.y, g.z, g.nb, rs.flow, rs.faces, rs.wt);
+    lst.flush();
+    rs.fc0 = rs.flow.fc;
+    rs.top_idir.assign(g.nxy + 1, 0);
+    for (int c = 1; c <= g.nxy; ++c) rs.top_idir[c] = rs.flow.idir[c * g.nz];
+
+    read_properties(rd, lst, deck);
+    read_storage_and_init(rd, lst, deck);
+
+    g.nezt = g.nez;
+    g.net = g.ne;
+    g.nnt = g.nx * g.ny * g.nzt;
+    gengrid(g, 1, opt.unsat, opt.kgo);
+    echo_transport_grid(lst, g);
+    if (opt.kmass == 0 || opt.kmass == 3) {
+        mindex(rd, lst, 1, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.heat, rs.faces, rs.wt);
+        lst.flush();
+    }
+    if (opt.kmass == 1 || opt.kmass == 3) {
+        mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.mass, rs.faces, rs.wt);
+        lst.flush();
+    }
+
+    const bool leaky = (opt.kmass == 0 || opt.kmass == 3) && rs.heat.kb[6] == 4;
+    read_surface_records(rd, lst, leaky, deck);
+    read_velocity_choice(rd, lst, opt, deck);
+    read_transport_constants(rd, lst, opt, deck);
+    read_initial_blocks(rd, lst, opt, g, deck);
+    read_iteration_control(rd, lst, g, deck);
+
+    time_loop(rs, rd, lst, con);
+    end_of_run(rs, lst, con);
+}
+
+}  // namespace
+
+int run_gelmor(const std::filesystem::path& dir, std::ostream& console)
+{
+    RunState rs;
+    if (!open_files(rs.files, dir)) {
+        // without its deck a run cannot start, and nothing is created
+        std::cerr << "gelmor: no gelmor.data in " << dir.string() << "\n";
+        return 2;
+    }
+    Listing lst{rs.files.out[unit::lst].get()};
+    Console con{&console};
+    RecordReader rd(*rs.files.r(unit::deck), "gelmor.data");
+    int status = 0;
+    try {
+        run_phases(rs, rd, lst, con);
+    } catch (const RunStopped& s) {
+        status = s.status;
+    }
+    lst.flush();
+    console.flush();
+    return status;
+}

@@ -1,0 +1,34 @@
+#include "timeloop/intervals.hpp"
+
+#include "control/stop.hpp"
+#include "input/deck_io.hpp"
+
+void read_interval_head(RecordReader& rd, const Listing& lst, IntervalRecord& iv)
+{
+    const Slot t1[] = {iv.t1, iv.t2, iv.dt, iv.k2dfreq, iv.kflowfreq, iv.k3dfreq, iv.kmomfreq, iv.more};
+    read_record_eof(rd, lst, {"error reading time step data ...", "program stopping ..."}, t1);
+    if (!(iv.t1 < iv.t2)) stop_run(lst, {"error detected in time step data", "check and rerun ... program stopping "});
+    read_worded(rd, lst, "record T2 (hinc rinc rtdiff bzfmult)", {"error reading hinc,rinc,rtdiff", "program stopping ..."},
+                iv.hinc, iv.rinc, iv.rtdiff, iv.bzfmult);
+}
+
+bool read_patch(RecordReader& rd, const Listing& lst, PatchRecord& p, bool& active)
+{
+    int more = 0;
+    read_plain(rd, lst, "record T3 (i1 i2 j1 j2 tpatch more)", p.i1, p.i2, p.j1, p.j2, p.tpatch, more);
+    active = p.i1 != 0 && p.i2 != 0 && p.j1 != 0 && p.j2 != 0;
+    return active && more > 0;
+}
+
+void read_heater(RecordReader& rd, const Listing& lst, HeaterRecord& h, int& more)
+{
+    read_worded(rd, lst, "record T4 (heater)",
+                {"error in reading internal heat flux", "check i1,i2,j1,j2,k1,k2,fluxin1,fluxin2,decay2,more",
+                 "program stopping"},
+                h.i1, h.i2, h.j1, h.j2, h.k1, h.k2, h.fluxin1, h.fluxin2, h.decay2, more);
+}
+
+void read_source(RecordReader& rd, const Listing& lst, SourceRecord& s, int& more)
+{
+    read_plain(rd, lst, "record T5 (i j k1 k2 qs ts cs more)", s.i, s.j, s.k1, s.k2, s.qs, s.ts, s.cs, more);
+}
