@@ -118,12 +118,12 @@ void neumann_patches(Ctx& c, int face)
         for (int i = i1; i <= i2; ++i)
             for (int j = j1; j <= j2; ++j) {
                 const long long p = (long long)(i - 1) * len + j;
-                // positions are stored without a bound test; one outside the face buffer
-                // would land in no face at all
-                if (p < 1 || p >= (long long)c.fs.rechcol.size())
+                // Positions have no bound test: one past every face is never walked and so
+                // has no effect, but one outside the face buffer names no face at all.
+                if (p < 1 || p > nf)
                     stop_run(c.lst, {"Error in Neumann boundary indices; ktype = " + fmt_i(c.ktype, 5),
                                      "face " + fmt_i(face, 5), "Program stopping ..."});
-                c.fs.rechcol[p] = value;
+                if (p < (long long)c.fs.rechcol.size()) c.fs.rechcol[p] = value;
             }
     } while (more > 0);
 }
@@ -299,8 +299,10 @@ void mindex(RecordReader& rd, const Listing& lst, int ktype, int nn, int ne, int
     for (int k = 1; k <= 7; ++k) codes += fmt_i(fi.kb[k], 5);
     lst.line(codes);
 
-    fs.rechcol.assign(nf + 1, 0.0);
-    if (fs.areacol.size() < (std::size_t)nf + 1) fs.areacol.assign(nf + 1, 0.0);
+    // the face buffers hold the positions of the largest face
+    const std::size_t npos = (std::size_t)std::max({ny * nz, nx * nz, nx * ny}) + 1;
+    fs.rechcol.assign(npos, 0.0);
+    if (fs.areacol.size() < npos) fs.areacol.resize(npos, 0.0);
     fi.idir.assign(nn + 1, 0);
     fi.fc.assign(nn + 1, 0.0);
     fi.qnode.assign(nn + 1, 0.0);

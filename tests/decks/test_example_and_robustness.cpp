@@ -1,0 +1,133 @@
+#include "control/files.hpp"
+#include "control/run_state.hpp"
+#include "support/deck_run.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sys/resource.h>
+
+namespace {
+
+TEST(ExampleDeck, ReadsThroughWithEveryEcho)
+{
+    const DeckRun r = run_deck(example_deck());
+    ASSERT_EQ(r.status, 0) << r.listing;
+    const std::string stars = std::string(10, ' ') + std::string(60, '*');
+    // banner, to the listing and then to the console
+    EXPECT_EQ(r.listing.rfind(stars + "\n\n          caldrift/gelmor\n", 0), 0u);
+    EXPECT_TRUE(r.has("\n          3-d density-dependent flow and thermal transport model\n"
+                      "          linear isoparametric elements\n"));
+    EXPECT_TRUE(r.has("\n          Valley section: groundwater flow beneath a river valley, heat and solute\n\n"
+                      "          A vertical 2-D section"));
+    EXPECT_EQ(r.console.rfind(stars, 0), 0u);
+    // options
+    EXPECT_TRUE(r.has(" run-time options ...\n kprt,kcntrl,kwt,kint,kintv,kgo,ksat,kmass,ktair,\n"
+                      " krk,kdz,ksubtr,kr1top,kfreec\n  0  0  0  0  0  0  1  3  0  0  0  2  0  0\n"
+                      " heat & mass transport option in effect\n conjugate gradient solver for flow\n"
+                      " direct integration for element matrices\n"));
+    EXPECT_TRUE(r.has(" using transport formulation v2 with kappa,R\n"));
+    // grid: 21 x 2 x 11 nodes, 20 x 1 x 10 elements
+    EXPECT_TRUE(r.has(" flow grid size, nx,ny,nz:          21           2          11\n"));
+    EXPECT_TRUE(r.has(" total nodes in flow grid            462\n"));
+    EXPECT_TRUE(r.has(" total number of nodes in transport grid:   (nnt) =          462\n"));
+    // three boundary index blocks down to the vector length; the two x faces fix
+    // 2 x 22 heads, the top 42 temperatures, the inflow face 22 concentrations
+    const std::size_t f = r.listing.find(" mindex routine ... flow boundary arrays ...");
+    const std::size_t h = r.listing.find(" mindex  ... heat transport boundary arrays ...");
+    const std::size_t m = r.listing.find(" mindex  ... mass transport boundary arrays ...");
+    ASSERT_NE(f, std::string::npos);
+    ASSERT_NE(h, std::string::npos);
+    ASSERT_NE(m, std::string::npos);
+    EXPECT_LT(f, h);
+    EXPECT_LT(h, m);
+    EXPECT_NE(r.listing.find("number of dirichlet nodes:    44\nnumber of degrees of freedom:       418\n", f), std::string::npos);
+    EXPECT_NE(r.listing.find("number of dirichlet nodes:    42\n", h), std::string::npos);
+    EXPECT_NE(r.listing.find("number of dirichlet nodes:    22\n", m), std::string::npos);
+    EXPECT_NE(r.listing.find("vector length", m), std::string::npos);
+    // normal end, in the listing and on the console
+    const std::string tail = "\n\n\n          **** normal exit ****\n\n\n";
+    EXPECT_EQ(r.listing.substr(r.listing.size() - tail.size()), tail);
+    EXPECT_EQ(r.console.substr(r.console.size() - tail.size()), tail);
+    // every file of the table exists afterwards
+    for (const FileEntry& e : file_table()) {
+        if (e.mode == OpenAs::create) EXPECT_TRUE(r.dir->exists(e.name)) << e.name;
+    }
+    EXPECT_EQ(r.dir->read("zdat.out"), "");
+    EXPECT_EQ(r.dir->read("moment.out"), "");
+}
+
+TEST(ExampleDeck, MissingDeckCreatesNothing)
+{
+    ScratchDir dir("nodeck");
+    std::ostringstream console;
+    EXPECT_NE(run_gelmor(dir.path, console), 0);
+    EXPECT_FALSE(dir.exists("gelmor.lst"));
+}
+
+// Any run that does not reach its normal end must leave a message as the last words of
+// the listing: a blank line, then lines behind 10 blanks.
+void expect_clean_stop(const DeckRun& r, const std::string& what)
+{
+    if (r.has("**** normal exit ****")) return;
+    const std::string text = "\n" + r.listing;  // a message may open the listing
+    const std::size_t end = text.find_last_not_of('\n');
+    ASSERT_NE(end, std::string::npos) << what;
+    const std::size_t start = text.rfind("\n\n", end);
+    ASSERT_NE(start, std::string::npos) << what;
+    const std::string last = text.substr(start + 2, end - start - 1);
+    EXPECT_EQ(last.rfind("          ", 0), 0u) << what << "\n" << r.listing;
+    EXPECT_NE(r.status, -1);
+}
+
+TEST(Robustness, DeckCutAfterEveryLineStopsWithAMessage)
+{
+    const std::vector<std::string> lines = split_lines(example_deck());
+    for (std::size_t n = 0; n < lines.size(); ++n) {
+        const std::vector<std::string> head(lines.begin(), lines.begin() + n);
+        const DeckRun r = run_deck(join_lines(head));
+        EXPECT_FALSE(r.has("**** normal exit ****")) << n;
+        expect_clean_stop(r, "cut after line " + std::to_string(n));
+    }
+}
+
+TEST(Robustness, JunkInPlaceOfEveryValue)
+{
+    const std::vector<std::string> lines = split_lines(example_deck());
+    const char* junk[] = {"abc", "-7", "2147483647", "1e300"};
+    for (std::size_t n = 3; n < lines.size(); ++n) {
+        // the values of a line stop where its remark starts, at the run of blanks
+        const std::string& line = lines[n];
+        const std::size_t remark = line.find("   ");
+        const std::string values = line.substr(0, remark);
+        std::vector<std::size_t> starts;
+        for (std::size_t p = 0; p < values.size(); ++p)
+            if (values[p] != ' ' && (p == 0 || values[p - 1] == ' ')) starts.push_back(p);
+        for (std::size_t s : starts) {
+            const std::size_t e = values.find(' ', s);
+            for (const char* j : junk) {
+                std::vector<std::string> mutated = lines;
+                mutated[n] = values.substr(0, s) + j + (e == std::string::npos ? "" : values.substr(e));
+                const DeckRun r = run_deck(join_lines(mutated));
+                expect_clean_stop(r, "line " + std::to_string(n + 1) + ": " + mutated[n]);
+            }
+        }
+    }
+}
+
+#if !defined(__SANITIZE_ADDRESS__)
+// Storage follows the deck: the example's ~500 nodes need a few MB, whatever the limits.
+TEST(Robustness, SmallDeckRunsInFewMegabytes)
+{
+    ScratchDir dir("rss");
+    dir.write("gelmor.data", example_deck());
+    const std::string cmd = "cd '" + dir.path.string() + "' && '" GELMOR_EXE "' > /dev/null";
+    ASSERT_EQ(std::system(cmd.c_str()), 0);
+    rusage ru{};
+    getrusage(RUSAGE_CHILDREN, &ru);
+    EXPECT_LT(ru.ru_maxrss, 8 * 1024) << "max resident kB";
+    EXPECT_NE(dir.read("gelmor.lst").find("**** normal exit ****"), std::string::npos);
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,24 @@
+#pragma once
+#include "support/scratch.hpp"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+// A whole run of a deck in its own scratch directory, in this process.
+struct DeckRun {
+    std::unique_ptr<ScratchDir> dir;
+    int status = -1;
+    std::string listing;
+    std::string console;
+    bool has(const std::string& text) const { return listing.find(text) != std::string::npos; }
+    // a message line: 10 blanks and then the words
+    bool has_message(const std::string& words) const { return has("\n          " + words); }
+};
+
+DeckRun run_deck(const std::string& deck_text, const std::vector<std::pair<std::string, std::string>>& extra_files = {});
+
+// The bundled example deck, as text and as lines.
+std::string example_deck();
+std::vector<std::string> split_lines(const std::string& text);
+std::string join_lines(const std::vector<std::string>& lines);
