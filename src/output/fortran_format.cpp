@@ -42,7 +42,6 @@ std::string fmt_e(double v, int w, int d)
     else
         return std::string(w, '*');
     std::string s = (neg ? "-0." : "0.") + digits + ex;
-    if ((int)s.size() > w && (int)s.size() == w + 1) s.erase(neg ? 1 : 0, 1);  // drop the optional 0
     return fit(s, w);
 }
 
@@ -101,7 +100,7 @@ std::string fmt_free_real(double v)
 
 FreeLine& FreeLine::operator<<(std::string_view s)
 {
-    if (after_number_) s_ += ' ';
+    if (after_number_ || s_.empty()) s_ += ' ';
     after_number_ = false;
     s_.append(s);
     return *this;
@@ -110,7 +109,7 @@ FreeLine& FreeLine::operator<<(std::string_view s)
 FreeLine& FreeLine::operator<<(int v)
 {
     after_number_ = true;
-    s_ += ' ';
+    s_ += ' ';  // the separator, or the blank that starts the record
     s_ += fmt_i(v, 11);
     return *this;
 }
@@ -118,7 +117,7 @@ FreeLine& FreeLine::operator<<(int v)
 FreeLine& FreeLine::operator<<(long long v)
 {
     after_number_ = true;
-    s_ += ' ';
+    s_ += ' ';  // the separator, or the blank that starts the record
     s_ += fmt_i(v, 20);
     return *this;
 }
@@ -126,7 +125,7 @@ FreeLine& FreeLine::operator<<(long long v)
 FreeLine& FreeLine::operator<<(double v)
 {
     after_number_ = true;
-    s_ += ' ';
+    s_ += ' ';  // the separator, or the blank that starts the record
     s_ += fmt_free_real(v);
     return *this;
 }
@@ -134,7 +133,7 @@ FreeLine& FreeLine::operator<<(double v)
 FreeLine& FreeLine::operator<<(bool v)
 {
     after_number_ = true;
-    s_ += ' ';
+    s_ += ' ';  // the separator, or the blank that starts the record
     s_ += v ? 'T' : 'F';
     return *this;
 }

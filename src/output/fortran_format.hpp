@@ -14,9 +14,9 @@ std::string fmt_i(long long v, int w);
 // Aw: text cut or blank-padded on the left to w columns.
 std::string fmt_a(std::string_view s, int w);
 
-// Free-format (list-directed) echo of values: a record starts with one blank, every
-// number is preceded by a separating blank, integers take 11 columns and doubles a
-// 25-column field with 17 significant digits ("   1.0000000000000000     ",
+// Free-format (list-directed) echo of values: a record starts with one blank, which
+// also separates a leading number; every later number is preceded by a blank.
+// Integers take 11 columns and doubles a 25-column field with 17 significant digits ("   1.0000000000000000     ",
 // "   1.0000000000000001E-005"); text stands as it is.
 class FreeLine {
 public:
@@ -31,7 +31,7 @@ public:
     operator const std::string&() const { return s_; }
 
 private:
-    std::string s_ = " ";
+    std::string s_;
     bool after_number_ = false;  // text after a number is set off by a blank
 };
 
