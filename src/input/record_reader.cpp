@@ -72,58 +72,104 @@ bool parse_real(std::string_view t, double& v)
     return true;
 }
 
-ReadStatus RecordReader::list(std::span<const Slot> slots)
+void RecordReader::begin_list()
 {
     problem_.clear();
-    std::size_t n = 0;                 // slots filled or skipped so far
+    line_open_ = false;
+    slashed_ = false;
+    repeat_left_ = 0;
+}
+
+void RecordReader::end_list()
+{
+    line_open_ = false;  // the rest of the line is a remark
+}
+
+ReadStatus RecordReader::next_item(std::string_view& text)
+{
+    if (repeat_left_ > 0) {
+        --repeat_left_;
+        text = repeat_text_;
+        return ReadStatus::ok;
+    }
+    for (;;) {
+        if (!line_open_) {
+            if (!next_line()) {
+                problem_ = "end of file";
+                return ReadStatus::eof;
+            }
+            line_open_ = true;
+            pos_ = 0;
+            value_since_comma_ = false;
+        }
+        const std::size_t len = line_.size();
+        while (pos_ < len && (line_[pos_] == ' ' || line_[pos_] == '\t')) ++pos_;
+        if (pos_ >= len) {
+            line_open_ = false;  // the list goes on at the next line
+            continue;
+        }
+        const char c = line_[pos_];
+        if (c == '/') {
+            slashed_ = true;
+            return ReadStatus::ok;
+        }
+        if (c == ',') {
+            ++pos_;
+            if (!value_since_comma_) {  // ",," : a null value keeps the variable
+                text = {};
+                return ReadStatus::ok;
+            }
+            value_since_comma_ = false;
+            continue;
+        }
+        std::size_t e = pos_;
+        while (e < len && line_[e] != ' ' && line_[e] != '\t' && line_[e] != ',' && line_[e] != '/') ++e;
+        const std::string_view item(line_.data() + pos_, e - pos_);
+        pos_ = e;
+        value_since_comma_ = true;
+        const auto star = item.find('*');
+        if (star == std::string_view::npos) {
+            text = item;
+            return ReadStatus::ok;
+        }
+        int repeat = 0;
+        if (!parse_int(item.substr(0, star), repeat) || repeat < 1) {
+            problem_ = "bad repeat count in \"" + std::string(item) + "\"";
+            return ReadStatus::bad;
+        }
+        repeat_text_ = std::string(item.substr(star + 1));
+        repeat_left_ = repeat - 1;
+        text = repeat_text_;
+        return ReadStatus::ok;
+    }
+}
+
+ReadStatus RecordReader::value(const Slot& s)
+{
+    if (slashed_) return ReadStatus::ok;
+    std::string_view text;
+    const ReadStatus st = next_item(text);
+    if (st != ReadStatus::ok || slashed_ || text.empty()) return st;
+    const bool good = s.i ? parse_int(text, *s.i) : parse_real(text, *s.d);
+    if (!good) {
+        problem_ = std::string(s.i ? "expected an integer" : "expected a number") + ", found \"" + std::string(text) +
+                   "\"";
+        return ReadStatus::bad;
+    }
+    return ReadStatus::ok;
+}
+
+ReadStatus RecordReader::list(std::span<const Slot> slots)
+{
+    begin_list();
     if (slots.empty()) {
         if (!next_line()) { problem_ = "end of file"; return ReadStatus::eof; }
         return ReadStatus::ok;
     }
-    while (n < slots.size()) {
-        if (!next_line()) {
-            problem_ = "end of file";
-            return ReadStatus::eof;
-        }
-        std::size_t p = 0;
-        const std::size_t len = line_.size();
-        bool value_since_comma = false;  // a comma after a value is only a separator
-        while (n < slots.size()) {
-            while (p < len && (line_[p] == ' ' || line_[p] == '\t')) ++p;
-            if (p >= len) break;       // the list goes on at the next line
-            const char c = line_[p];
-            if (c == '/') return ReadStatus::ok;
-            if (c == ',') {
-                if (!value_since_comma) ++n;  // ",," : a null value keeps the variable
-                value_since_comma = false;
-                ++p;
-                continue;
-            }
-            std::size_t e = p;
-            while (e < len && line_[e] != ' ' && line_[e] != '\t' && line_[e] != ',' && line_[e] != '/') ++e;
-            std::string_view item(line_.data() + p, e - p);
-            p = e;
-            value_since_comma = true;
-            int repeat = 1;
-            std::string_view text = item;
-            if (const auto star = item.find('*'); star != std::string_view::npos) {
-                if (!parse_int(item.substr(0, star), repeat) || repeat < 1) {
-                    problem_ = "bad repeat count in \"" + std::string(item) + "\"";
-                    return ReadStatus::bad;
-                }
-                text = item.substr(star + 1);
-            }
-            for (int r = 0; r < repeat && n < slots.size(); ++r, ++n) {
-                if (text.empty()) continue;  // r* : r null values
-                const Slot& s = slots[n];
-                bool good = s.i ? parse_int(text, *s.i) : parse_real(text, *s.d);
-                if (!good) {
-                    problem_ = std::string(s.i ? "expected an integer" : "expected a number") + ", found \"" +
-                               std::string(text) + "\"";
-                    return ReadStatus::bad;
-                }
-            }
-        }
+    for (const Slot& s : slots) {
+        const ReadStatus st = value(s);
+        if (st != ReadStatus::ok) return st;
     }
+    end_list();
     return ReadStatus::ok;
 }

@@ -27,6 +27,12 @@ public:
 
     ReadStatus title(std::string& text);
     ReadStatus list(std::span<const Slot> slots);
+
+    // One list read taken value by value, for lists whose length is known only while
+    // they are read (a count inside the list) or too long to name in advance.
+    void begin_list();
+    ReadStatus value(const Slot& slot);
+    void end_list();
     template <typename... Ts>
     ReadStatus read(Ts&... vars)
     {
@@ -40,11 +46,19 @@ public:
 
 private:
     bool next_line();
+    ReadStatus next_item(std::string_view& text);  // the next value text, empty for a null
     std::istream& in_;
     std::string name_;
     std::string line_;
     int line_no_ = 0;
     std::string problem_;
+    // position inside a list read
+    bool line_open_ = false;        // a line of the list is being taken apart
+    std::size_t pos_ = 0;           // next character of line_
+    bool value_since_comma_ = false;
+    bool slashed_ = false;          // "/" ended the list: the rest keeps its values
+    int repeat_left_ = 0;           // values still due from an r*c item
+    std::string repeat_text_;       // c of that item, empty for r* nulls
 };
 
 // Slots for a one-based array segment v[first..last].
