@@ -1,6 +1,8 @@
 #include "control/run_state.hpp"
 
 #include "control/stop.hpp"
+#include "element/function_table.hpp"
+#include "element/hex.hpp"
 #include "flow/mindex.hpp"
 #include "grid/gengrid.hpp"
 #include "input/deck.hpp"
@@ -39,13 +41,23 @@ void echo_transport_grid(const Listing& lst, const Grid& g)
     lst.line(free_line("total number of elements in transport grid:(net) = ", g.net));
 }
 
-// Phases 3 to 22 of a run, in their fixed order; the deck is read strictly forward.
+// The seven thermal constants of the deck with the two capacities derived from them.
+ThermalConstants thermal_constants(const Deck& d)
+{
+    ThermalConstants tc{d.cf, d.pf, d.ci, d.rhoi, d.tclw, d.tcli, d.wlh};
+    derive_thermal_constants(tc);
+    return tc;
+}
+
+// Phases 2 to 22 of a run, in their fixed order; the deck is read strictly forward.
 void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Console& con)
 {
     Options& opt = rs.opt;
     Deck& deck = rs.deck;
     Grid& g = rs.grid;
+    Media& media = rs.media;
 
+    fill_element_tables(rs.tables, rs.cmat);
     read_titles(rd, lst, deck);
     write_banner(deck, lst, con);
     read_options(rd, lst, opt);
@@ -59,7 +71,14 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     echo_vertical_strip(lst, g, "vertical strip at (x,y)=(0,0) x,y,z coords:", 1);
     echo_vertical_strip(lst, g, "vertical strip at (x,y)=(xl,yl) x,y,z coords:", g.nn - g.nz + 1);
 
-    read_fractures(rd, lst, deck);
+    // fractures, drawn into their two geometry files as each record is read
+    std::ofstream& geo_xz = open_late(rs.files, unit::fracgeo_xz, "gelmor_fracgeo_xz.plt");
+    std::ofstream& geo_xy = open_late(rs.files, unit::fracgeo_xy, "gelmor_fracgeo_xy.plt");
+    size_fractures(rs.frac, g.ne, opt.kmass, opt.lheat);
+    read_fractures(rd, lst, opt.unsat, g, rs.frac, geo_xz, geo_xy);
+    close_unit(rs.files, unit::fracgeo_xz);
+    close_unit(rs.files, unit::fracgeo_xy);
+    fracture_summary(rs.frac, lst);
     lst.flush();
 
     mindex(rd, lst, 0, g.nn, g.ne, g.nx, g.ny, g.nz, g.in, g.x, g.y, g.z, g.nb, rs.flow, rs.faces, rs.wt);
@@ -68,8 +87,12 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     rs.top_idir.assign(g.nxy + 1, 0);
     for (int c = 1; c <= g.nxy; ++c) rs.top_idir[c] = rs.flow.idir[c * g.nz];
 
-    read_properties(rd, lst, deck);
-    read_storage_and_init(rd, lst, deck);
+    size_media(media, g, opt.unsat, lst);
+    read_properties(rd, lst, opt.unsat, g, media);
+    if (opt.krk > 0) read_random_fields(rs.files.r(unit::fgen), opt.krk, media, lst);
+    check_properties(media, lst);
+    read_storage(rd, lst, media);
+    read_init_head(rd, lst, deck);
 
     g.nezt = g.nez;
     g.net = g.ne;
@@ -84,6 +107,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
         mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.mass, rs.faces, rs.wt);
         lst.flush();
     }
+    elvol(g.x, g.y, g.z, rs.tables.gauss, g.int8, media.vol, g.net, media.voltot, opt.kint, g.dxe, g.dye, g.dze, lst);
 
     const bool leaky = (opt.kmass == 0 || opt.kmass == 3) && rs.heat.kb[6] == 4;
     read_surface_records(rd, lst, leaky, deck);
@@ -91,6 +115,14 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     read_transport_constants(rd, lst, opt, deck);
     read_initial_blocks(rd, lst, opt, g, deck);
     read_iteration_control(rd, lst, g, deck);
+
+    // the check table of the fluid functions, for element 1 and the porous medium; its tk
+    // column takes the largest bulk conductivity of the start-up state (media.tkmax),
+    // which stays 0 until the initial temperatures give the bulk conductivities
+    std::ofstream& dv = open_late(rs.files, unit::den_visc, "gelmor_den_visc_T.plt");
+    write_function_table(dv, deck.medium, thermal_constants(deck), fluid_switches(opt.kmass, deck.gammac),
+                         media.por[1], media.sw[1], media.csol[1], media.tkmax);
+    close_unit(rs.files, unit::den_visc);
 
     time_loop(rs, rd, lst, con);
     end_of_run(rs, lst, con);

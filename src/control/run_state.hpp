@@ -1,8 +1,11 @@
 #pragma once
 #include "control/files.hpp"
 #include "control/options.hpp"
+#include "element/tables.hpp"
 #include "flow/field_index.hpp"
+#include "grid/fractures.hpp"
 #include "grid/grid.hpp"
+#include "grid/properties.hpp"
 #include "input/deck.hpp"
 
 #include <vector>
@@ -13,7 +16,11 @@ struct RunState {
     Files files;
     Options opt;
     Deck deck;
+    ElementTables tables;          // integration templates, filled before any input
+    double cmat[9][9] = {};        // growth matrix of direct transport integration, cleared
     Grid grid;
+    Fractures frac;                // discrete fracture elements
+    Media media;                   // element properties and volumes
     FieldIndex flow, heat, mass;   // boundary index and pattern of each field
     FaceScratch faces;             // face buffers shared by the boundary index calls
     CosineHead wt;                 // cosine head of the flow top, last record

@@ -168,7 +168,8 @@ void read_wells(RecordReader& rd, const Listing& lst, Deck& d)
                        "program stopping .... "});
 }
 
-void read_fractures(RecordReader& rd, const Listing& lst, Deck& d)
+void read_fractures(RecordReader& rd, const Listing& lst, bool unsat, const Grid& g, Fractures& fr,
+                    std::ostream& xz, std::ostream& xy)
 {
     int more = 0;
     do {
@@ -177,13 +178,13 @@ void read_fractures(RecordReader& rd, const Listing& lst, Deck& d)
                     {"error in reading fracture data", "check ilx1,ilx2,ily1,ily2,ilz1,ilz2,idim,iloc,aperture,more",
                      "program stopping"},
                     f.ilx1, f.ilx2, f.ily1, f.ily2, f.ilz1, f.ilz2, f.idim, f.iloc, f.aperture, more);
-        const bool dummy = f.ilx1 == 0 || f.ilx2 == 0 || f.ily1 == 0 || f.ily2 == 0 || f.ilz1 == 0 || f.ilz2 == 0;
-        if (!dummy) d.fractures.push_back(f);
+        fracture_record(f, unsat, g, fr, lst, xz, xy);
     } while (more > 0);
 }
 
-void read_properties(RecordReader& rd, const Listing& lst, Deck& d)
+void read_properties(RecordReader& rd, const Listing& lst, bool unsat, const Grid& g, Media& m)
 {
+    echo_range_head(lst);
     int more = 0;
     do {
         PropertyRange r;
@@ -192,22 +193,27 @@ void read_properties(RecordReader& rd, const Listing& lst, Deck& d)
                     {"error in reading elemental hydraulic Kx,Ky,Kz, etc.",
                      "check j1,j2,ckx,cky,ckz,tcx,cps,ps,theta,satw,more", "program stopping"},
                     r.j1, r.j2, v.ckx, v.cky, v.ckz, v.tcx, v.cps, v.ps, v.theta, v.satw, more);
-        d.prop_ranges.push_back(r);
+        property_range(r, unsat, m, lst);
     } while (more > 0);
+    echo_block_head(lst);
     do {
         PropertyBlock b;
         PropertyValues& v = b.v;
         read_worded(rd, lst, "record 15 (indexed properties)",
                     {"error reading indexed K data in gelmor.data", "program stopping ..."}, b.i1, b.i2, b.j1, b.j2,
                     b.k1, b.k2, v.ckx, v.cky, v.ckz, v.tcx, v.cps, v.ps, v.theta, v.satw, more);
-        if (b.i1 != 0 && b.i2 != 0 && b.j1 != 0 && b.j2 != 0 && b.k1 != 0 && b.k2 != 0) d.prop_blocks.push_back(b);
+        if (!property_block(b, unsat, g, m, lst)) break;  // a zero index ends the list at once
     } while (more > 0);
 }
 
-void read_storage_and_init(RecordReader& rd, const Listing& lst, Deck& d)
+void read_storage(RecordReader& rd, const Listing& lst, Media& m)
 {
-    read_worded(rd, lst, "record 15a (ss)", {"error reading storage term ss", "program stopping ..."}, d.ss);
-    lst.line(free_line("storage term ... ", d.ss));
+    read_worded(rd, lst, "record 15a (ss)", {"error reading storage term ss", "program stopping ..."}, m.ss);
+    lst.line(free_line("storage term ... ", m.ss));
+}
+
+void read_init_head(RecordReader& rd, const Listing& lst, Deck& d)
+{
     read_plain(rd, lst, "record 15b (init h0)", d.init, d.h0);
 }
 
@@ -276,7 +282,7 @@ void read_velocity_choice(RecordReader& rd, const Listing& lst, const Options& o
 }
 
 namespace {
-void echo_freeze(const Listing& lst, const FreezeRecord& f)
+void echo_freeze(const Listing& lst, const FreezeParams& f)
 {
     lst.line(free_line("terminal unfrozen moisture content(p):   ", f.p));
     lst.line(free_line("unfrozen moisture content curvature(q):  ", f.q));
@@ -286,7 +292,7 @@ void echo_freeze(const Listing& lst, const FreezeRecord& f)
     lst.line(free_line("relative permeability function model# kr: ", f.modelkr));
 }
 
-void read_freeze(RecordReader& rd, const Listing& lst, const char* what, FreezeRecord& f)
+void read_freeze(RecordReader& rd, const Listing& lst, const char* what, FreezeParams& f)
 {
     read_worded(rd, lst, what, {"error reading wlh,p,q, ... modelwu, modelkr", "program stopping ..."}, f.p, f.q, f.Ts,
                 f.omega, f.modelwu, f.modelkr);
@@ -326,7 +332,7 @@ void read_transport_constants(RecordReader& rd, const Listing& lst, const Option
     echo_freeze(lst, d.medium);
     lst.line(free_line("fractures:"));
     echo_freeze(lst, d.fracture);
-    const FreezeRecord& m = d.medium;
+    const FreezeParams& m = d.medium;
     if (m.modelwu < 0 || m.modelwu > 4) stop_run(lst, {"Error in Wu: modelwu is not 0-4", "program stopping ..."});
     if (m.modelkr < 0 || m.modelkr > 2) stop_run(lst, {"Error in kr: modelkr is not 0-4", "program stopping ..."});
     if ((m.modelwu == 2 || m.modelwu == 3) && m.q < 9.99999968265523e-21)

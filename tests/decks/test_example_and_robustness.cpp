@@ -51,7 +51,9 @@ TEST(ExampleDeck, ReadsThroughWithEveryEcho)
     EXPECT_EQ(r.console.substr(r.console.size() - tail.size()), tail);
     // every file of the table exists afterwards
     for (const FileEntry& e : file_table()) {
-        if (e.mode == OpenAs::create) EXPECT_TRUE(r.dir->exists(e.name)) << e.name;
+        if (e.mode == OpenAs::create) {
+            EXPECT_TRUE(r.dir->exists(e.name)) << e.name;
+        }
     }
     EXPECT_EQ(r.dir->read("zdat.out"), "");
     EXPECT_EQ(r.dir->read("moment.out"), "");
