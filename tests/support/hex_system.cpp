@@ -118,7 +118,8 @@ void hex_element_matrix(const HexGrid& g, int l, double e[8][8])
         }
         for (int i = 0; i < 8; ++i)
             for (int j = 0; j < 8; ++j)
-                e[i][j] += (kx * nx[i] * nx[j] + ky * ny[i] * ny[j] + kz * nz[i] * nz[j] + c * n[i] * n[j]) * detj;
+                e[i][j] += (kx * nx[i] * nx[j] + ky * ny[i] * ny[j] + kz * nz[i] * nz[j] + c * n[i] * n[j]) *
+                           detj;
     }
 }
 
