@@ -5,8 +5,11 @@
 #include "element/hex.hpp"
 #include "flow/mindex.hpp"
 #include "grid/gengrid.hpp"
+#include "input/auxfiles.hpp"
 #include "input/deck.hpp"
+#include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
+#include "timeloop/step_calls.hpp"
 #include "timeloop/time_loop.hpp"
 
 #include <iostream>
@@ -49,6 +52,29 @@ ThermalConstants thermal_constants(const Deck& d)
     return tc;
 }
 
+// Velocities given by the deck instead of a flow solution.
+void set_given_velocities(RunState& rs, const Listing& lst)
+{
+    const Grid& g = rs.grid;
+    const Deck& d = rs.deck;
+    Velocities& v = rs.vel;
+    for (auto* a : {&v.vx, &v.vy, &v.vz}) a->assign(g.net + 1, 0.0);
+    for (auto* a : {&v.vlin, &v.vx2d, &v.vy2d}) a->assign(rs.frac.nfrac + 1, 0.0);
+    if (d.ivel == 1) {
+        for (int e = 1; e <= g.net; ++e) {
+            v.vx[e] = d.iflipv * d.vx0;
+            v.vy[e] = d.iflipv * d.vy0;
+            v.vz[e] = d.iflipv * d.vz0;
+        }
+    } else if (d.ivel == 2) {
+        // the matrix carries next to nothing; the fractures get the given velocity
+        for (auto* a : {&v.vx, &v.vy, &v.vz})
+            for (int e = 1; e <= g.net; ++e) (*a)[e] = 9.999999682655225e-21;
+    } else if (d.ivel == 3) {
+        read_veloc2d(rs.files, lst, g, v);
+    }
+}
+
 // Phases 2 to 22 of a run, in their fixed order; the deck is read strictly forward.
 void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Console& con)
 {
@@ -68,6 +94,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     read_wells(rd, lst, deck);
 
     gengrid(g, 0, opt.unsat, opt.kgo);
+    if (opt.kgo == 4) read_grid3d(rs.files, lst, opt, g);
     echo_vertical_strip(lst, g, "vertical strip at (x,y)=(0,0) x,y,z coords:", 1);
     echo_vertical_strip(lst, g, "vertical strip at (x,y)=(xl,yl) x,y,z coords:", g.nn - g.nz + 1);
 
@@ -93,6 +120,9 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     check_properties(media, lst);
     read_storage(rd, lst, media);
     read_init_head(rd, lst, deck);
+    rs.f.u.assign(g.nn + 1, 0.0);
+    rs.f.u0 = rs.f.ui = rs.f.u;
+    set_initial_heads(rs.files, lst, deck, g, rs.f);
 
     g.nezt = g.nez;
     g.net = g.ne;
@@ -107,13 +137,40 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
         mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.mass, rs.faces, rs.wt);
         lst.flush();
     }
+    // a field without a boundary section of its own is free everywhere, with no fixed value
+    for (FieldIndex* fi : {&rs.heat, &rs.mass}) {
+        if ((int)fi->fc.size() == g.nnt + 1) continue;
+        fi->nn = g.nnt;
+        fi->idir.assign(g.nnt + 1, 0);
+        fi->fc.assign(g.nnt + 1, 0.0);
+        fi->qnode.assign(g.nnt + 1, 0.0);
+        count_fixed(*fi);
+    }
+    std::vector<double> u = std::move(rs.f.u), u0 = std::move(rs.f.u0), ui = std::move(rs.f.ui);
+    size_fields(rs.f, g.nn, g.nnt);
+    rs.f.u = std::move(u);
+    rs.f.u0 = std::move(u0);
+    rs.f.ui = std::move(ui);
     elvol(g.x, g.y, g.z, rs.tables.gauss, g.int8, media.vol, g.net, media.voltot, opt.kint, g.dxe, g.dye, g.dze, lst);
 
     const bool leaky = (opt.kmass == 0 || opt.kmass == 3) && rs.heat.kb[6] == 4;
     read_surface_records(rd, lst, leaky, deck);
+    if (opt.ktair > 0) read_tair(rs.files, lst, rs.aux);
+    read_hbdy(rs.files, lst, rs.aux);
+    read_bzin(rs.files, lst, rs.aux);
     read_velocity_choice(rd, lst, opt, deck);
+    set_given_velocities(rs, lst);
     read_transport_constants(rd, lst, opt, deck);
     read_initial_blocks(rd, lst, opt, g, deck);
+    rs.loop.can_freeze = set_initial_transport(lst, opt, deck, g, rs.heat, rs.mass, rs.f);
+
+    derived_thermal_data(rs, lst);
+    read_slope_zt(rs.files, lst, g, rs.heat.last_value > -999, rs.aux, rs.heat.fc, rs.f);
+    h_adjust(lst, true, 0.0, deck.gammac, g, rs.flow, rs.fc0, rs.aux, rs.flow.fc, rs.f);
+    if (opt.kgo >= 1 && opt.kgo <= 3) {
+        read_restart(rs.files, lst, opt, g, rs.f, rs.flow.last_value < -998, rs.flow.fc);
+        lst.flush();
+    }
     read_iteration_control(rd, lst, g, deck);
 
     // the check table of the fluid functions, for element 1 and the porous medium; its tk
@@ -123,6 +180,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     write_function_table(dv, deck.medium, thermal_constants(deck), fluid_switches(opt.kmass, deck.gammac),
                          media.por[1], media.sw[1], media.csol[1], media.tkmax);
     close_unit(rs.files, unit::den_visc);
+    initial_output(rs, lst);
 
     time_loop(rs, rd, lst, con);
     end_of_run(rs, lst, con);

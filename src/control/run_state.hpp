@@ -1,4 +1,5 @@
 #pragma once
+#include "control/fields.hpp"
 #include "control/files.hpp"
 #include "control/options.hpp"
 #include "element/tables.hpp"
@@ -6,7 +7,11 @@
 #include "grid/fractures.hpp"
 #include "grid/grid.hpp"
 #include "grid/properties.hpp"
+#include "flow/velocities.hpp"
+#include "input/auxfiles.hpp"
 #include "input/deck.hpp"
+#include "timeloop/sources.hpp"
+#include "timeloop/time_loop.hpp"
 
 #include <vector>
 
@@ -26,6 +31,12 @@ struct RunState {
     CosineHead wt;                 // cosine head of the flow top, last record
     std::vector<double> fc0;       // flow fixed values as read, the reference boundary heads
     std::vector<int> top_idir;     // flow node type of each column's top node, by column
+    Fields f;                      // heads, temperatures, concentrations at three levels
+    Velocities vel;                // element and fracture pore velocities
+    ForcingTables aux;             // tables of the optional input files
+    Sources src;                   // heaters and fluid sources of the interval
+    Patches patches;               // surface temperature patches of the interval
+    LoopState loop;                // clock and counters of the time loop
 };
 
 // A whole run in directory dir, console trace to `console`; returns the exit status.

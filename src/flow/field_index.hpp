@@ -18,6 +18,7 @@ struct FieldIndex {
     int ndirn = 0;                 // fixed nodes
     int neq = 0;                   // degrees of freedom, nn - ndirn
     int kbtop = 0;                 // -1 when kb(6) = 4 (top thermally leaky for heat)
+    double last_value = 0;         // value of the last Dirichlet patch read (-999: cosine surface)
     LowerPattern pat;              // ia, ja, icol
 };
 

@@ -70,6 +70,7 @@ void dirichlet_patches(Ctx& c, int face)
     double value = 0;
     do {
         read_plain(c.rd, c.lst, "a Dirichlet patch (i1 i2 j1 j2 value more)", i1, i2, j1, j2, value, more);
+        c.fi.last_value = value;
         c.lst.line(free_line(field_word(c.ktype, "Flow: Dirichlet patch source on surface:",
                                         "Heat: Dirichlet patch source on surface:",
                                         "Mass: Dirichlet patch source on surface:"),

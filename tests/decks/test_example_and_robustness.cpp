@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <sys/resource.h>
 
 namespace {
 
@@ -82,9 +81,19 @@ void expect_clean_stop(const DeckRun& r, const std::string& what)
     EXPECT_NE(r.status, -1);
 }
 
+// The example deck with its interval cut to two steps, so that the many runs below
+// spend their time on the input, which is what they probe.
+std::vector<std::string> short_example()
+{
+    std::vector<std::string> lines = split_lines(example_deck());
+    for (std::string& l : lines)
+        if (l.find("interval: t1 t2 dt") != std::string::npos) l = "0.0 2.0 1.0 10 1 30 1 0   two steps";
+    return lines;
+}
+
 TEST(Robustness, DeckCutAfterEveryLineStopsWithAMessage)
 {
-    const std::vector<std::string> lines = split_lines(example_deck());
+    const std::vector<std::string> lines = short_example();
     for (std::size_t n = 0; n < lines.size(); ++n) {
         const std::vector<std::string> head(lines.begin(), lines.begin() + n);
         const DeckRun r = run_deck(join_lines(head));
@@ -95,7 +104,7 @@ TEST(Robustness, DeckCutAfterEveryLineStopsWithAMessage)
 
 TEST(Robustness, JunkInPlaceOfEveryValue)
 {
-    const std::vector<std::string> lines = split_lines(example_deck());
+    const std::vector<std::string> lines = short_example();
     const char* junk[] = {"abc", "-7", "2147483647", "1e300"};
     for (std::size_t n = 3; n < lines.size(); ++n) {
         // the values of a line stop where its remark starts, at the run of blanks
@@ -108,6 +117,10 @@ TEST(Robustness, JunkInPlaceOfEveryValue)
         for (std::size_t s : starts) {
             const std::size_t e = values.find(' ', s);
             for (const char* j : junk) {
+                // a huge interval end is a sound deck that steps to the step limit; that
+                // run has a test of its own
+                const bool interval_end = line.find("two steps") != std::string::npos && s > 0 && s < 5;
+                if (interval_end && j[0] != 'a' && j[0] != '-') continue;
                 std::vector<std::string> mutated = lines;
                 mutated[n] = values.substr(0, s) + j + (e == std::string::npos ? "" : values.substr(e));
                 const DeckRun r = run_deck(join_lines(mutated));
@@ -118,16 +131,15 @@ TEST(Robustness, JunkInPlaceOfEveryValue)
 }
 
 #if !defined(__SANITIZE_ADDRESS__)
-// Storage follows the deck: the example's ~500 nodes need a few MB, whatever the limits.
+// Storage follows the deck: the example's ~500 nodes run inside a 64 MB address space,
+// while arrays sized by the compiled limits would need hundreds of MB.
 TEST(Robustness, SmallDeckRunsInFewMegabytes)
 {
     ScratchDir dir("rss");
     dir.write("gelmor.data", example_deck());
-    const std::string cmd = "cd '" + dir.path.string() + "' && '" GELMOR_EXE "' > /dev/null";
+    const std::string cmd =
+        "cd '" + dir.path.string() + "' && ulimit -v 65536 && exec '" GELMOR_EXE "' > /dev/null 2>&1";
     ASSERT_EQ(std::system(cmd.c_str()), 0);
-    rusage ru{};
-    getrusage(RUSAGE_CHILDREN, &ru);
-    EXPECT_LT(ru.ru_maxrss, 8 * 1024) << "max resident kB";
     EXPECT_NE(dir.read("gelmor.lst").find("**** normal exit ****"), std::string::npos);
 }
 #endif

@@ -1,0 +1,219 @@
+#include "control/options.hpp"
+#include "control/stop.hpp"
+#include "grid/gengrid.hpp"
+#include "input/auxfiles.hpp"
+#include "output/fortran_format.hpp"
+#include "support/scratch.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <sstream>
+
+namespace {
+
+// A saturated box of 2 x 1 x 2 bricks (3 x 2 x 3 nodes) with both grid passes done.
+struct AuxCase {
+    Grid g;
+    Options opt;
+    Fields f;
+    Velocities v;
+    ForcingTables t;
+    AuxCase()
+    {
+        g.ngx = g.ngy = g.ngz = 1;
+        g.xg = {0, 2.0}; g.nlx = {0, 2};
+        g.yg = {0, 1.0}; g.nly = {0, 1};
+        g.zg = {0, 4.0}; g.nlz = {0, 2};
+        opt.ksat = 1;
+        std::ostringstream sink;
+        grid_sizes(g, opt, Listing{&sink});
+        gengrid(g, 0, false, 0);
+        gengrid(g, 1, false, 0);
+        size_fields(f, g.nn, g.nnt);
+        for (auto* a : {&v.vx, &v.vy, &v.vz}) a->assign(g.net + 1, 0.0);
+    }
+};
+
+struct Outcome {
+    bool stopped = false;
+    std::string listing;
+    bool has_message(const std::string& w) const { return listing.find("\n          " + w) != std::string::npos; }
+    bool has(const std::string& w) const { return listing.find(w) != std::string::npos; }
+};
+
+// Runs `step` on a file table opened in a scratch directory holding `files`.
+Outcome with_files(const std::vector<std::pair<std::string, std::string>>& files,
+                   const std::function<void(Files&, const Listing&)>& step)
+{
+    ScratchDir dir("aux");
+    dir.write("gelmor.data", "");
+    for (const auto& [name, text] : files) dir.write(name, text);
+    Files fs;
+    EXPECT_TRUE(open_files(fs, dir.path));
+    std::ostringstream out;
+    Listing lst{&out};
+    Outcome o;
+    try {
+        step(fs, lst);
+    } catch (const RunStopped&) {
+        o.stopped = true;
+    }
+    o.listing = out.str();
+    return o;
+}
+
+TEST(AuxFiles, Grid3dReadsCoordinatesAndChecksItsHead)
+{
+    AuxCase s;
+    std::string text = "title\ntitle\n" + std::string("zone i=") + fmt_i(3, 8) + ", j=" + fmt_i(2, 8) + ", k=" +
+                       fmt_i(3, 8) + "\n";
+    for (int n = 1; n <= 18; ++n) text += std::to_string(n) + " 0.5 " + std::to_string(2 * n) + " 99\n";
+    Outcome o = with_files({{"grid3d.plt", text}}, [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
+    ASSERT_FALSE(o.stopped) << o.listing;
+    EXPECT_DOUBLE_EQ(s.g.x[18], 18.0);
+    EXPECT_DOUBLE_EQ(s.g.z[7], 14.0);
+    EXPECT_EQ(s.g.nnt, 18);
+
+    o = with_files({}, [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
+    EXPECT_TRUE(o.has_message("but this file does not exist")) << o.listing;
+    o = with_files({{"grid3d.plt", "t\nt\nzone i=    abc\n"}}, [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
+    EXPECT_TRUE(o.has_message("zone i=    nz, j=    ny, k=    nx (7x,i8,4x,i8,4x,i8)")) << o.listing;
+    o = with_files({{"grid3d.plt", "t\nt\nzone i=       3, j=       2, k=       4\n"}},
+                   [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
+    EXPECT_TRUE(o.has_message("grid dimensions are not the same as in gelmor.data")) << o.listing;
+    o = with_files({{"grid3d.plt", "t\nt\nzone i=       3, j=       2, k=       3\n1 2 3 4\n"}},
+                   [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
+    EXPECT_TRUE(o.has_message("end of file detected in grid3d.plt")) << o.listing;
+}
+
+TEST(AuxFiles, HinputGivesOneSectionUniformInY)
+{
+    AuxCase s;
+    std::string text = "heads\n";
+    for (int i = 1; i <= 3; ++i)
+        for (int k = 1; k <= 3; ++k) text += fmt_e(i, 15, 6) + fmt_e(k, 15, 6) + fmt_e(10 * i + k, 15, 6) + "\n";
+    Outcome o = with_files({{"hinput.data", text}}, [&](Files& f, const Listing& l) { read_hinput(f, l, s.g, s.f); });
+    ASSERT_FALSE(o.stopped) << o.listing;
+    EXPECT_DOUBLE_EQ(s.f.u[grid_node(2, 1, 3, s.g.ny, s.g.nz)], 23.0);
+    EXPECT_DOUBLE_EQ(s.f.u[grid_node(2, 2, 3, s.g.ny, s.g.nz)], 23.0);
+    EXPECT_DOUBLE_EQ(s.f.u0[grid_node(3, 2, 1, s.g.ny, s.g.nz)], 31.0);
+    EXPECT_TRUE(o.has(" initial condition for flow has been read in"));
+
+    o = with_files({}, [&](Files& f, const Listing& l) { read_hinput(f, l, s.g, s.f); });
+    EXPECT_TRUE(o.has_message("rename a hxz.out file to hinput.data and try again")) << o.listing;
+    o = with_files({{"hinput.data", "heads\n" + text.substr(6, 46 * 4)}},
+                   [&](Files& f, const Listing& l) { read_hinput(f, l, s.g, s.f); });
+    EXPECT_TRUE(o.has_message("!!! end-of-file detected in hinput.data file !!! ")) << o.listing;
+}
+
+TEST(AuxFiles, TablesOfTheSurfaceForcing)
+{
+    AuxCase s;
+    Outcome o = with_files({{"tair.data", "air\n3\n0 -5.0  10 2.0\n20 4.5\n"}},
+                           [&](Files& f, const Listing& l) { read_tair(f, l, s.t); });
+    ASSERT_FALSE(o.stopped) << o.listing;
+    EXPECT_EQ(s.t.ntair, 3);
+    EXPECT_DOUBLE_EQ(s.t.tair_v[3], 4.5);
+    EXPECT_TRUE(o.has(" # data points ...            3\n"));
+    o = with_files({}, [&](Files& f, const Listing& l) { read_tair(f, l, s.t); });
+    EXPECT_TRUE(o.has_message("(ktair>0), but this file does not exist")) << o.listing;
+    o = with_files({{"tair.data", "air\n10001\n"}}, [&](Files& f, const Listing& l) { read_tair(f, l, s.t); });
+    EXPECT_TRUE(o.has_message("error, #Tair points (      10001) > max (      10000)")) << o.listing;
+    o = with_files({{"tair.data", "air\n2\n0 1 x 2\n"}}, [&](Files& f, const Listing& l) { read_tair(f, l, s.t); });
+    EXPECT_TRUE(o.has_message("error reading air temperatures in file tair.data")) << o.listing;
+
+    o = with_files({}, [&](Files& f, const Listing& l) { read_hbdy(f, l, s.t); });
+    EXPECT_FALSE(o.stopped);
+    EXPECT_TRUE(o.has(" no hbdy.data file found ... continuing"));
+    EXPECT_FALSE(s.t.lhbdy);
+    o = with_files({{"hbdy.data", "heads\n2\n0 10.0\n5 11.0\n"}}, [&](Files& f, const Listing& l) { read_hbdy(f, l, s.t); });
+    EXPECT_TRUE(s.t.lhbdy);
+    EXPECT_DOUBLE_EQ(s.t.hbdy_h[2], 11.0);
+    o = with_files({{"hbdy.data", "heads\n2\n0 10.0\n5 q\n"}}, [&](Files& f, const Listing& l) { read_hbdy(f, l, s.t); });
+    EXPECT_TRUE(o.has_message("error reading bdy heads in file hbdy.data")) << o.listing;
+
+    // two time points of one and two zones, read as one list across lines
+    o = with_files({{"bzin.data", "bz\n2\n0.0 1  1 3 0.5 0.0 0.0  0.0\n10.0 2 1 1 0.4 1.0 2.0\n 2 3 0.6 0 0 1.5\n"}},
+                   [&](Files& f, const Listing& l) { read_bzin(f, l, s.t); });
+    ASSERT_FALSE(o.stopped) << o.listing;
+    ASSERT_EQ(s.t.bz.size(), 3u);
+    EXPECT_EQ(s.t.bz[2].nzones, 2);
+    EXPECT_DOUBLE_EQ(s.t.bz[2].zone[2].bz, 0.6);
+    EXPECT_DOUBLE_EQ(s.t.bz[2].tdiff, 1.5);
+    o = with_files({}, [&](Files& f, const Listing& l) { read_bzin(f, l, s.t); });
+    EXPECT_TRUE(o.has(" no bzin.data file found ... ok, continuing"));
+}
+
+TEST(AuxFiles, GivenVelocitiesAndSeabedTable)
+{
+    AuxCase s;
+    std::string text = "a\nb\nc\n";
+    for (int e = 1; e <= 4; ++e) text += "0 0 " + std::to_string(e) + ".0e-6 -" + std::to_string(e) + ".0e-7\n";
+    Outcome o = with_files({{"veloc2d_in.data", text}}, [&](Files& f, const Listing& l) { read_veloc2d(f, l, s.g, s.v); });
+    ASSERT_FALSE(o.stopped) << o.listing;
+    // k runs innermost in the file: lines 1..4 are elements 1, 3, 2, 4
+    EXPECT_DOUBLE_EQ(s.v.vx[3], 2.0e-6);
+    EXPECT_DOUBLE_EQ(s.v.vx[2], 3.0e-6);
+    EXPECT_DOUBLE_EQ(s.v.vz[1], -1.0e-7);
+    EXPECT_DOUBLE_EQ(s.v.vy[4], 0.0);
+    o = with_files({}, [&](Files& f, const Listing& l) { read_veloc2d(f, l, s.g, s.v); });
+    EXPECT_TRUE(o.has_message("(ivel=3), but this file does not exist")) << o.listing;
+
+    std::vector<double> heat_fc(s.g.nnt + 1, 0.0);
+    o = with_files({{"slope_zt.data", "sea\n1 5.0 -1.5\n2 6.0 -1.0\n3 7.0 -0.5\n4 8.0 0.0\n"}},
+                   [&](Files& f, const Listing& l) { read_slope_zt(f, l, s.g, true, s.t, heat_fc, s.f); });
+    ASSERT_FALSE(o.stopped) << o.listing;
+    EXPECT_EQ(s.t.nslope, 4);
+    EXPECT_DOUBLE_EQ(s.t.hwcol[2], 6.0);
+    EXPECT_TRUE(o.has_message("warning: node slope index i1 (") || o.has("warning: node slope index i1 ("));
+    const int top = grid_node(3, 2, s.g.nzt, s.g.ny, s.g.nzt);
+    EXPECT_DOUBLE_EQ(heat_fc[top], -0.5);
+    EXPECT_DOUBLE_EQ(s.f.t10[top], -0.5);
+    o = with_files({}, [&](Files& f, const Listing& l) { read_slope_zt(f, l, s.g, true, s.t, heat_fc, s.f); });
+    EXPECT_TRUE(o.has(" no slope_zt.data file found, continuing ..."));
+}
+
+// A field file as the 3D outputs write it: three head lines, then x y z T C H a node.
+std::string field_file(const Grid& g, double dx)
+{
+    std::string t = "title\nvariables\nzone\n";
+    for (int n = 1; n <= g.nnt; ++n)
+        t += fmt_e(g.x[n] + dx, 15, 6) + fmt_e(g.y[n], 15, 6) + fmt_e(g.z[n], 15, 6) + fmt_e(100 + n, 15, 6) +
+             fmt_e(200 + n, 15, 6) + fmt_e(300 + n, 15, 6) + "\n";
+    return t;
+}
+
+TEST(AuxFiles, RestartOverwritesWhatKgoAsks)
+{
+    for (int kgo : {1, 2, 3}) {
+        AuxCase s;
+        s.opt.kgo = kgo;
+        std::vector<double> fc(s.g.nn + 1, 0.0);
+        const Outcome o = with_files({{"therm_in.data", field_file(s.g, 0.0)}}, [&](Files& f, const Listing& l) {
+            read_restart(f, l, s.opt, s.g, s.f, true, fc);
+        });
+        ASSERT_FALSE(o.stopped) << o.listing;
+        EXPECT_EQ(s.f.u[5], kgo != 2 ? 305.0 : 0.0) << kgo;
+        EXPECT_EQ(fc[5], kgo != 2 ? 305.0 : 0.0) << kgo;
+        EXPECT_EQ(s.f.t10[7], kgo != 1 ? 107.0 : 0.0) << kgo;
+        EXPECT_EQ(s.f.t2i[7], kgo == 3 ? 207.0 : 0.0) << kgo;
+        EXPECT_TRUE(o.has(" restart read successfull:"));
+        EXPECT_FALSE(o.has("is not "));
+    }
+    AuxCase s;
+    s.opt.kgo = 3;
+    std::vector<double> fc(s.g.nn + 1, 0.0);
+    Outcome o = with_files({{"therm_in.data", field_file(s.g, 0.5)}},
+                           [&](Files& f, const Listing& l) { read_restart(f, l, s.opt, s.g, s.f, false, fc); });
+    EXPECT_TRUE(o.has(" !! x(nn) in restart file therm_in.data is not ")) << o.listing;
+    EXPECT_DOUBLE_EQ(s.g.x[1], 0.5);  // the file's coordinates replace the grid's
+    EXPECT_EQ(fc[5], 0.0);
+    o = with_files({}, [&](Files& f, const Listing& l) { read_restart(f, l, s.opt, s.g, s.f, false, fc); });
+    EXPECT_TRUE(o.has_message("use kgo=0 or rename a t3d file to therm_in.data")) << o.listing;
+    o = with_files({{"therm_in.data", "a\nb\nc\n1 2 3\n"}},
+                   [&](Files& f, const Listing& l) { read_restart(f, l, s.opt, s.g, s.f, false, fc); });
+    EXPECT_TRUE(o.has_message("end of file detected in therm_in.data")) << o.listing;
+}
+
+}  // namespace
