@@ -4,6 +4,7 @@
 #include "element/function_table.hpp"
 #include "element/hex.hpp"
 #include "flow/mindex.hpp"
+#include "grid/bulk_thermal.hpp"
 #include "grid/gengrid.hpp"
 #include "input/auxfiles.hpp"
 #include "input/deck.hpp"
@@ -164,7 +165,8 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     read_initial_blocks(rd, lst, opt, g, deck);
     rs.loop.can_freeze = set_initial_transport(lst, opt, deck, g, rs.heat, rs.mass, rs.f);
 
-    derived_thermal_data(rs, lst);
+    bulk_thermal_conductivity(g, rs.f, deck.medium, thermal_constants(deck), media, lst);
+    derived_parameters(g, rs.f, deck.medium, thermal_constants(deck), opt.lheat, deck.porsurf, deck.satsurf, media, lst);
     read_slope_zt(rs.files, lst, g, rs.heat.last_value > -999, rs.aux, rs.heat.fc, rs.f);
     h_adjust(lst, true, 0.0, deck.gammac, g, rs.flow, rs.fc0, rs.aux, rs.flow.fc, rs.f);
     if (opt.kgo >= 1 && opt.kgo <= 3) {
@@ -174,8 +176,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     read_iteration_control(rd, lst, g, deck);
 
     // the check table of the fluid functions, for element 1 and the porous medium; its tk
-    // column takes the largest bulk conductivity of the start-up state (media.tkmax),
-    // which stays 0 until the initial temperatures give the bulk conductivities
+    // column takes the largest bulk conductivity of the start-up state
     std::ofstream& dv = open_late(rs.files, unit::den_visc, "gelmor_den_visc_T.plt");
     write_function_table(dv, deck.medium, thermal_constants(deck), fluid_switches(opt.kmass, deck.gammac),
                          media.por[1], media.sw[1], media.csol[1], media.tkmax);

@@ -36,6 +36,7 @@ struct Media {
     double ss = 0;                       // specific storage of the whole domain (1/m)
     std::vector<double> vol;             // element volumes (m^3), 1..net
     double voltot = 0;                   // their sum
+    std::vector<double> tkel;            // bulk thermal conductivity (J/m/s/C), 1..net
     double tkmax = 0;                    // largest bulk thermal conductivity of the start-up
                                          // state; 0 until initial temperatures give it
 };

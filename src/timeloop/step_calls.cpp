@@ -2,7 +2,6 @@
 
 #include "control/run_state.hpp"
 
-void derived_thermal_data(RunState&, const Listing&) {}
 void initial_output(RunState&, const Listing&) {}
 void apply_forcing(RunState&, const Listing&) {}
 void update_boundary_heads(RunState&, const Listing&) {}

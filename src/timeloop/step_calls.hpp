@@ -6,9 +6,6 @@ struct RunState;
 // The physics and output steps the time loop calls, each in its place of a step.  Steps
 // whose subsystem is not built yet keep the state as it is.
 
-// Setup: bulk thermal conductivity of every element and the derived parameters block,
-// once the initial temperatures exist.
-void derived_thermal_data(RunState& rs, const Listing& lst);
 // Setup: plot headers, the t = 0 plots and the initial heat content.
 void initial_output(RunState& rs, const Listing& lst);
 

@@ -78,7 +78,9 @@ TEST(InitialState, MinusNineNineNineOnTheTopMeansTheCosineAirTemperature)
         const int n = s.node(ix, 2, 3);
         const double want = ix <= 2 ? cosine_forcing(2.0, 3.0, 365.0, 10.0, 0.0, -50.0, 0.0) + 0.5 * (ix - 1) : 5.0;
         EXPECT_DOUBLE_EQ(s.f.t1[n], want) << ix;
-        if (ix <= 2) EXPECT_DOUBLE_EQ(s.heat.fc[n], want);
+        if (ix <= 2) {
+            EXPECT_DOUBLE_EQ(s.heat.fc[n], want);
+        }
     }
 }
 
