@@ -53,6 +53,21 @@ ThermalConstants thermal_constants(const Deck& d)
     return tc;
 }
 
+// The shared matrix store and work of the solves, sized for the largest field.
+void size_solves(RunState& rs)
+{
+    int nn = rs.grid.nn, nnz = 0, nwork = 0;
+    for (const FieldIndex* fi : {&rs.flow, &rs.heat, &rs.mass}) {
+        nn = std::max(nn, fi->nn);
+        nnz = std::max(nnz, fi->pat.nvec);
+    }
+    nwork = 6 * rs.flow.neq;
+    for (const FieldIndex* fi : {&rs.heat, &rs.mass}) nwork = std::max(nwork, 3 * fi->neq + fi->pat.nvec);
+    // the block list never holds more blocks than equations
+    size_solver_work(rs.work, nn, nnz, nwork, rs.flow.neq + 1);
+    rs.bs.assign(rs.flow.neq + 1, 0.0);
+}
+
 // Velocities given by the deck instead of a flow solution.
 void set_given_velocities(RunState& rs, const Listing& lst)
 {
@@ -147,6 +162,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
         fi->qnode.assign(g.nnt + 1, 0.0);
         count_fixed(*fi);
     }
+    size_solves(rs);
     std::vector<double> u = std::move(rs.f.u), u0 = std::move(rs.f.u0), ui = std::move(rs.f.ui);
     size_fields(rs.f, g.nn, g.nnt);
     rs.f.u = std::move(u);

@@ -9,6 +9,7 @@
 #include "grid/properties.hpp"
 #include "flow/velocities.hpp"
 #include "input/auxfiles.hpp"
+#include "solver/solver_work.hpp"
 #include "input/deck.hpp"
 #include "timeloop/sources.hpp"
 #include "timeloop/time_loop.hpp"
@@ -37,6 +38,8 @@ struct RunState {
     Sources src;                   // heaters and fluid sources of the interval
     Patches patches;               // surface temperature patches of the interval
     LoopState loop;                // clock and counters of the time loop
+    SolverWork work;               // matrix values, right-hand side and solver work of one solve
+    std::vector<double> bs;        // flow storage and buoyancy terms by equation
 };
 
 // A whole run in directory dir, console trace to `console`; returns the exit status.

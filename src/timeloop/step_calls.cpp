@@ -1,16 +1,15 @@
 #include "timeloop/step_calls.hpp"
 
 #include "control/run_state.hpp"
+#include "flow/flow_system.hpp"
+#include "flow/velocities.hpp"
+#include "output/fortran_format.hpp"
 
 void initial_output(RunState&, const Listing&) {}
 void apply_forcing(RunState&, const Listing&) {}
 void update_boundary_heads(RunState&, const Listing&) {}
-void flow_solve(RunState&, const Listing&, const Console&) {}
 bool water_table_converged(RunState&, const Listing&) { return true; }
 void water_table_move(RunState&, const Listing&) {}
-void compute_velocities(RunState&, const Listing&) {}
-void fracture_velocities(RunState&, const Listing&) {}
-void uniform_fracture_velocities(RunState&) {}
 void age_exit_rule(RunState&, const Listing&) {}
 void heat_transport_v1(RunState&, const Listing&, const Console&) {}
 void heat_transport_v2(RunState&, const Listing&, const Console&) {}
@@ -24,3 +23,49 @@ void balances(RunState&, const Listing&) {}
 void update_element_volumes(RunState&, const Listing&) {}
 void step_output(RunState&, const Listing&) {}
 void final_summaries(RunState&, const Listing&) {}
+
+namespace {
+FlowParams flow_params(const RunState& rs)
+{
+    FlowParams fp;
+    fp.kint = rs.opt.kint;
+    fp.lheat = rs.opt.lheat;
+    fp.lmass = rs.opt.lmass;
+    fp.gammac = rs.deck.gammac;
+    fp.lkr1top = rs.opt.lkr1top;
+    fp.medium = rs.deck.medium;
+    fp.fracture = rs.deck.fracture;
+    fp.dtinv = rs.loop.dtinv;
+    return fp;
+}
+}  // namespace
+
+void flow_solve(RunState& rs, const Listing& lst, const Console& con)
+{
+    flow_step(rs.grid, rs.media, rs.frac, rs.tables, flow_params(rs), rs.src.qsrc, rs.flow, rs.f, rs.work, rs.bs, con,
+              lst);
+}
+
+void compute_velocities(RunState& rs, const Listing&)
+{
+    element_velocities(rs.grid, rs.media, rs.tables, flow_params(rs), rs.opt.kintv, rs.f, rs.vel);
+}
+
+void compute_fracture_velocities(RunState& rs, const Listing& lst)
+{
+    fracture_velocities(rs.grid, rs.media, rs.frac, flow_params(rs), rs.f, rs.vel);
+    if (rs.frac.nfrac < 1) return;
+    const bool line = rs.frac.ifdim[1] == 1;
+    lst.line(free_line("fracture velocities complete t= ", rs.loop.tdays, line ? ", vlin(1): " : ", vx2d(1): ",
+                       line ? rs.vel.vlin[1] : rs.vel.vx2d[1]));
+}
+
+void uniform_fracture_velocities(RunState& rs)
+{
+    const Deck& d = rs.deck;
+    for (int l = 1; l <= rs.frac.nfrac; ++l) {
+        rs.vel.vlin[l] = d.iflipv * d.vx0;
+        rs.vel.vx2d[l] = d.iflipv * d.vx0;
+        rs.vel.vy2d[l] = d.iflipv * d.vy0;
+    }
+}

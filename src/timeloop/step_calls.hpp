@@ -22,7 +22,7 @@ bool water_table_converged(RunState& rs, const Listing& lst);
 void water_table_move(RunState& rs, const Listing& lst);
 // Element and fracture pore velocities from the heads.
 void compute_velocities(RunState& rs, const Listing& lst);
-void fracture_velocities(RunState& rs, const Listing& lst);
+void compute_fracture_velocities(RunState& rs, const Listing& lst);
 void uniform_fracture_velocities(RunState& rs);
 // Exit boundaries of a saturated age run.
 void age_exit_rule(RunState& rs, const Listing& lst);

@@ -84,7 +84,7 @@ void velocity_sequence(RunState& rs, const Listing& lst)
     const Grid& g = rs.grid;
     Velocities& v = rs.vel;
     compute_velocities(rs, lst);
-    if (rs.frac.nfrac > 0) fracture_velocities(rs, lst);
+    if (rs.frac.nfrac > 0) compute_fracture_velocities(rs, lst);
     if (rs.opt.ksat == 0) {
         for (int e = g.ne + 1; e <= g.net; ++e) v.vx[e] = v.vy[e] = v.vz[e] = unsat_velocity;
     }
