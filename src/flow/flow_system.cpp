@@ -57,7 +57,7 @@ double mean_at(const std::vector<double>& v, const std::vector<int>& nmap, const
 
 void flow_step(const Grid& g, const Media& m, const Fractures& fr, const ElementTables& et, const FlowParams& fp,
                const std::vector<double>& qsrc, const FieldIndex& flow, Fields& f, SolverWork& w,
-               std::vector<double>& bs, const Console& con, const Listing& lst)
+               std::vector<double>& bs, const Console& con, const Listing& lst, int* steps)
 {
     const LowerPattern& pat = flow.pat;
     const int neq = flow.neq;
@@ -173,6 +173,6 @@ void flow_step(const Grid& g, const Media& m, const Fractures& fr, const Element
     }
 
     // u itself, in node numbering, is the start vector
-    ssor::pcg(w.a, pat, w.b, f.u, w.work, max_work, w.iblk, maxblk, 1, con, lst);
+    ssor::pcg(w.a, pat, w.b, f.u, w.work, max_work, w.iblk, maxblk, 1, con, lst, steps);
     restore_nodal(g.nn, FixedNodes{flow.idir, flow.ncum, flow.fc}, f.u);
 }

@@ -129,7 +129,7 @@ void cgtriadapt(std::span<const double> a, const LowerPattern& p, std::span<cons
 
 void pcg(std::span<const double> a, const LowerPattern& p, std::span<const double> b,
          std::span<double> x, std::span<double> work, int worklen, std::span<int> iblk,
-         int maxblk, int kstart, const Console& con, const Listing& lst)
+         int maxblk, int kstart, const Console& con, const Listing& lst, int* steps)
 {
     const int neq = p.neq;
     if (6LL * neq > worklen) {
@@ -229,8 +229,10 @@ void pcg(std::span<const double> a, const LowerPattern& p, std::span<const doubl
         }
 
         // rr is this step's residual before its update: an exact step is seen one step late.
-        if (rr <= std::min(rr0 * cred, acc)) return;
-        if (rr <= bb * cfloor) return;
+        if (rr <= std::min(rr0 * cred, acc) || rr <= bb * cfloor) {
+            if (steps) *steps = it;
+            return;
+        }
         if (rho < rho0 * cmetric) {
             if (rho >= -rho0 * cacc)
                 con.line(" pcg - warning: matrix already preconditioned - input data is probably wrong");
@@ -245,6 +247,7 @@ void pcg(std::span<const double> a, const LowerPattern& p, std::span<const doubl
         rho_prev = rho;
     }
     it = std::min(it, maxit);  // all steps run: the report names the last one
+    if (steps) *steps = it;
 
     if (rr >= acc) {
         const std::string rec1 = "pcg used " + fmt_i(it, 4) + " steps";

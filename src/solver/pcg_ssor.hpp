@@ -34,6 +34,7 @@ void pcg(std::span<const double> a, const LowerPattern& p,   // matrix
          std::span<double> work, int worklen,                // work, 6*neq doubles
          std::span<int> iblk, int maxblk,                    // blocks
          int kstart,                                         // 0: x := 0 first
-         const Console& con, const Listing& lst);
+         const Console& con, const Listing& lst,
+         int* steps = nullptr);                              // out: steps taken, when asked
 
 }  // namespace ssor
