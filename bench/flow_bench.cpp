@@ -4,6 +4,7 @@
 #include "flow/flow_system.hpp"
 #include "flow/mindex.hpp"
 #include "grid/gengrid.hpp"
+#include "support/box_grid.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -31,15 +32,7 @@ struct Box {
     explicit Box(int n)
     {
         const Listing lst{&null};
-        g.ngx = g.ngy = g.ngz = 1;
-        g.xg = {0, 10.0 * (n - 1)}; g.nlx = {0, n - 1};
-        g.yg = {0, 10.0 * (n - 1)}; g.nly = {0, n - 1};
-        g.zg = {0, 1.0 * (n - 1)};  g.nlz = {0, n - 1};
-        Options opt;
-        opt.ksat = 1;
-        grid_sizes(g, opt, lst);
-        gengrid(g, 0, false, 0);
-        gengrid(g, 1, false, 0);
+        g = box_grid(n - 1, n - 1, n - 1, 10.0, 10.0, 1.0);
         fill_element_tables(et, cmat);
         const std::string N = std::to_string(n);
         std::istringstream in("1 1 0 0 0 0 0\n1 " + N + " 1 " + N + " 10.0 0\n1 " + N + " 1 " + N + " 9.0 0\n");

@@ -4,6 +4,7 @@
 #include "control/options.hpp"
 #include "flow/mindex.hpp"
 #include "grid/gengrid.hpp"
+#include "support/box_grid.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -13,20 +14,7 @@
 
 namespace {
 
-Grid make_box(int n)
-{
-    Grid g;
-    g.ngx = g.ngy = g.ngz = 1;
-    g.xg = {0, 1.0 * (n - 1)}; g.nlx = {0, n - 1};
-    g.yg = {0, 1.0 * (n - 1)}; g.nly = {0, n - 1};
-    g.zg = {0, 1.0 * (n - 1)}; g.nlz = {0, n - 1};
-    Options opt;
-    opt.ksat = 1;
-    std::ostringstream sink;
-    grid_sizes(g, opt, Listing{&sink});
-    gengrid(g, 0, false, 0);
-    return g;
-}
+Grid make_box(int n) { return box_grid(n - 1, n - 1, n - 1, 1.0, 1.0, 1.0); }
 
 void BM_mindex(benchmark::State& state)
 {

@@ -342,42 +342,43 @@ void read_transport_constants(RecordReader& rd, const Listing& lst, const Option
 }
 
 namespace {
-// The lower ends must be inside the grid and the upper ends not beyond it; a reversed
-// range is simply empty.
-bool block_inside(const InitialBlock& b, const Grid& g)
+// One list of initial blocks (temperature or concentration).  The lower ends must be
+// inside the grid and the upper ends not beyond it; a reversed range is simply empty.
+// `range_error` gives the message lines for a block outside the grid.
+template <typename RangeError>
+void read_block_list(RecordReader& rd, const Listing& lst, const Grid& g, const char* what, const std::string& fail,
+                     RangeError range_error, std::vector<InitialBlock>& blocks)
 {
-    return b.i1 > 0 && b.j1 > 0 && b.k1 > 0 && b.i2 <= g.nx && b.j2 <= g.ny && b.k2 <= g.nzt;
+    int more = 0;
+    do {
+        InitialBlock b;
+        read_worded(rd, lst, what, {fail, "program stopping ..."}, b.i1, b.i2, b.j1, b.j2, b.k1, b.k2, b.t_bot, b.t_top,
+                    more);
+        lst.line(free_line(b.i1, b.i2, b.j1, b.j2, b.k1, b.k2, b.t_bot, b.t_top));
+        if (!(b.i1 > 0 && b.j1 > 0 && b.k1 > 0 && b.i2 <= g.nx && b.j2 <= g.ny && b.k2 <= g.nzt)) range_error(b);
+        blocks.push_back(b);
+    } while (more > 0);
 }
 }  // namespace
 
 void read_initial_blocks(RecordReader& rd, const Listing& lst, const Options& opt, const Grid& g, Deck& d)
 {
     if (opt.lheat) lst.line(free_line("initial temperature conditions"));
-    int more = 0;
-    do {
-        InitialBlock b;
-        read_worded(rd, lst, "record 25 (initial temperature block)",
-                    {"error reading temperature initial conditions", "program stopping ..."}, b.i1, b.i2, b.j1, b.j2,
-                    b.k1, b.k2, b.t_bot, b.t_top, more);
-        lst.line(free_line(b.i1, b.i2, b.j1, b.j2, b.k1, b.k2, b.t_bot, b.t_top));
-        if (!block_inside(b, g))
-            stop_run(lst, {"error in initial conditions for T transport ...", free_items("nx,ny,nzt ...", g.nx, g.ny, g.nzt),
-                           "program stopping ..."});
-        d.tinit.push_back(b);
-    } while (more > 0);
+    read_block_list(rd, lst, g, "record 25 (initial temperature block)", "error reading temperature initial conditions",
+                    [&](const InitialBlock&) {
+                        stop_run(lst, {"error in initial conditions for T transport ...",
+                                       free_items("nx,ny,nzt ...", g.nx, g.ny, g.nzt), "program stopping ..."});
+                    },
+                    d.tinit);
     if (!(opt.kmass == 1 || opt.kmass == 3)) return;
     lst.line(free_line("initial concentration conditions"));
-    do {
-        InitialBlock b;
-        read_worded(rd, lst, "record 26 (initial concentration block)",
-                    {"error reading concentration initial conditions", "program stopping ..."}, b.i1, b.i2, b.j1, b.j2,
-                    b.k1, b.k2, b.t_bot, b.t_top, more);
-        lst.line(free_line(b.i1, b.i2, b.j1, b.j2, b.k1, b.k2, b.t_bot, b.t_top));
-        if (!block_inside(b, g))
-            stop_run(lst, {"error in initial c condition nodes for transport...",
-                           free_items("i1,i2,j1,j2,k1,k2: ", b.i1, b.i2, b.j1, b.j2, b.k1, b.k2), "program stopping ..."});
-        d.cinit.push_back(b);
-    } while (more > 0);
+    read_block_list(rd, lst, g, "record 26 (initial concentration block)", "error reading concentration initial conditions",
+                    [&](const InitialBlock& b) {
+                        stop_run(lst, {"error in initial c condition nodes for transport...",
+                                       free_items("i1,i2,j1,j2,k1,k2: ", b.i1, b.i2, b.j1, b.j2, b.k1, b.k2),
+                                       "program stopping ..."});
+                    },
+                    d.cinit);
 }
 
 namespace {

@@ -55,7 +55,8 @@ void start_interval(RunState& rs, RecordReader& rd, const Listing& lst)
     L.istep = 0;
 }
 
-bool divisible(int istep, int freq) { return freq != 0 && istep % freq == 0; }
+// A frequency of 0 never triggers.
+bool divisible(long long istep, long long freq) { return freq != 0 && istep % freq == 0; }
 
 // The flow sequence of a pass: solve, then move the free top until it sits on the
 // water table or the pass limit is reached.
@@ -178,7 +179,7 @@ void time_step(RunState& rs, const Listing& lst, const Console& con)
     L.lplot2d = divisible(L.istep, iv.k2dfreq);
     L.lflow = divisible(L.istep, iv.kflowfreq);
     L.lmom = divisible(L.istep, iv.kmomfreq);
-    L.lpeclet = divisible(L.istep, 10 * iv.kmomfreq);
+    L.lpeclet = divisible(L.istep, 10LL * iv.kmomfreq);
     L.lmovie = divisible(L.istep, iv.k3dfreq);
     update_boundary_heads(rs, lst);
 
@@ -209,7 +210,7 @@ void time_step(RunState& rs, const Listing& lst, const Console& con)
 
     if (o.kfreec > 0) node_type_change(rs, lst);
     if (o.kdz > 0) dztot_update(rs, lst);
-    if (L.lpeclet) peclet_courant_plot(rs);
+    if (L.lpeclet || L.istep == 1) peclet_courant_plot(rs);  // and on each interval's first step
     L.lprint3d = false;
     for (int k = 1; k <= 5; ++k)
         if (std::fabs(L.tdays - d.tprint3d[k]) < print_time_tolerance) L.lprint3d = true;

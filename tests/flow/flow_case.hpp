@@ -4,6 +4,7 @@
 #include "flow/mindex.hpp"
 #include "flow/velocities.hpp"
 #include "grid/gengrid.hpp"
+#include "support/box_grid.hpp"
 
 #include <sstream>
 #include <string>
@@ -31,15 +32,7 @@ struct FlowCase {
     FlowCase(int nex, int ney, int nez, double dx, double dy, double dz, const std::string& boundary, double K,
              double ss, double por)
     {
-        g.ngx = g.ngy = g.ngz = 1;
-        g.xg = {0, nex * dx}; g.nlx = {0, nex};
-        g.yg = {0, ney * dy}; g.nly = {0, ney};
-        g.zg = {0, nez * dz}; g.nlz = {0, nez};
-        Options opt;
-        opt.ksat = 1;
-        grid_sizes(g, opt, lst);
-        gengrid(g, 0, false, 0);
-        gengrid(g, 1, false, 0);
+        g = box_grid(nex, ney, nez, dx, dy, dz);
         fill_element_tables(et, cmat);
         std::istringstream in(boundary);
         RecordReader rd(in, "boundary");

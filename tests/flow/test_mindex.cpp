@@ -2,6 +2,7 @@
 #include "control/stop.hpp"
 #include "flow/mindex.hpp"
 #include "grid/gengrid.hpp"
+#include "support/box_grid.hpp"
 
 #include <gtest/gtest.h>
 
@@ -11,21 +12,7 @@
 
 namespace {
 
-// A saturated box of nex x ney x nez bricks of size dx x dy x dz.
-Grid box(int nex, int ney, int nez, double dx, double dy, double dz)
-{
-    Grid g;
-    g.ngx = g.ngy = g.ngz = 1;
-    g.xg = {0, nex * dx}; g.nlx = {0, nex};
-    g.yg = {0, ney * dy}; g.nly = {0, ney};
-    g.zg = {0, nez * dz}; g.nlz = {0, nez};
-    Options opt;
-    opt.ksat = 1;
-    std::ostringstream sink;
-    grid_sizes(g, opt, Listing{&sink});
-    gengrid(g, 0, false, 0);
-    return g;
-}
+Grid box(int nex, int ney, int nez, double dx, double dy, double dz) { return box_grid(nex, ney, nez, dx, dy, dz); }
 
 struct IndexRun {
     FieldIndex fi;
@@ -85,7 +72,9 @@ TEST(Mindex, PatternMatchesAnIndependentConstruction)
         std::set<int> got;
         for (int k = k0; k < k1; ++k) {
             got.insert(p.ja[k]);
-            if (k > k0 + 1) ASSERT_LT(p.ja[k], p.ja[k - 1]) << "descending columns in row " << m;
+            if (k > k0 + 1) {
+                ASSERT_LT(p.ja[k], p.ja[k - 1]) << "descending columns in row " << m;
+            }
             ASSERT_EQ(icol_at(p, m, k - k0 + 1), p.ja[k]);
         }
         ASSERT_EQ(got, rows[m]) << "row " << m;

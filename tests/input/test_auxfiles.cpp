@@ -3,6 +3,7 @@
 #include "grid/gengrid.hpp"
 #include "input/auxfiles.hpp"
 #include "output/fortran_format.hpp"
+#include "support/box_grid.hpp"
 #include "support/scratch.hpp"
 
 #include <gtest/gtest.h>
@@ -21,15 +22,8 @@ struct AuxCase {
     ForcingTables t;
     AuxCase()
     {
-        g.ngx = g.ngy = g.ngz = 1;
-        g.xg = {0, 2.0}; g.nlx = {0, 2};
-        g.yg = {0, 1.0}; g.nly = {0, 1};
-        g.zg = {0, 4.0}; g.nlz = {0, 2};
+        g = box_grid(2, 1, 2, 1.0, 1.0, 2.0);
         opt.ksat = 1;
-        std::ostringstream sink;
-        grid_sizes(g, opt, Listing{&sink});
-        gengrid(g, 0, false, 0);
-        gengrid(g, 1, false, 0);
         size_fields(f, g.nn, g.nnt);
         for (auto* a : {&v.vx, &v.vy, &v.vz}) a->assign(g.net + 1, 0.0);
     }

@@ -2,6 +2,7 @@
 #include "element/fluid.hpp"
 #include "grid/gengrid.hpp"
 #include "input/initial_state.hpp"
+#include "support/box_grid.hpp"
 
 #include <gtest/gtest.h>
 
@@ -19,15 +20,9 @@ struct State {
     std::ostringstream out;
     State()
     {
-        g.ngx = g.ngy = g.ngz = 1;
-        g.xg = {0, 2.0}; g.nlx = {0, 2};
-        g.yg = {0, 1.0}; g.nly = {0, 1};
-        g.zg = {0, 2.0}; g.nlz = {0, 2};
+        g = box_grid(2, 1, 2, 1.0, 1.0, 1.0);
         opt.ksat = 1;
         opt.kmass = 3;
-        grid_sizes(g, opt, Listing{&out});
-        gengrid(g, 0, false, 0);
-        gengrid(g, 1, false, 0);
         for (FieldIndex* fi : {&heat, &mass, &flow}) {
             fi->nn = g.nnt;
             fi->idir.assign(g.nnt + 1, 0);
