@@ -11,6 +11,7 @@
 #include "input/auxfiles.hpp"
 #include "solver/solver_work.hpp"
 #include "input/deck.hpp"
+#include "output/plot_state.hpp"
 #include "timeloop/sources.hpp"
 #include "timeloop/time_loop.hpp"
 
@@ -38,6 +39,7 @@ struct RunState {
     Sources src;                   // heaters and fluid sources of the interval
     Patches patches;               // surface temperature patches of the interval
     LoopState loop;                // clock and counters of the time loop
+    PlotOutputs plots;             // counters and buffer of the result files
     SolverWork work;               // matrix values, right-hand side and solver work of one solve
     std::vector<double> bs;        // flow storage and buoyancy terms by equation
 };

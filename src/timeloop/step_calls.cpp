@@ -4,8 +4,9 @@
 #include "flow/flow_system.hpp"
 #include "flow/velocities.hpp"
 #include "output/fortran_format.hpp"
+#include "output/plot_output.hpp"
 
-void initial_output(RunState&, const Listing&) {}
+void initial_output(RunState& rs, const Listing&) { initial_plot_output(rs); }
 void apply_forcing(RunState&, const Listing&) {}
 void update_boundary_heads(RunState&, const Listing&) {}
 bool water_table_converged(RunState&, const Listing&) { return true; }
@@ -17,12 +18,12 @@ void deformation_update(RunState&, const Listing&) {}
 void mass_transport(RunState&, const Listing&, const Console&) {}
 void node_type_change(RunState&, const Listing&) {}
 void dztot_update(RunState&, const Listing&) {}
-void peclet_courant_plot(RunState&) {}
-void velocity_files(RunState&) {}
+void peclet_courant_plot(RunState& rs) { peclet_output(rs); }
+void velocity_files(RunState& rs) { velocity_output(rs); }
 void balances(RunState&, const Listing&) {}
 void update_element_volumes(RunState&, const Listing&) {}
-void step_output(RunState&, const Listing&) {}
-void final_summaries(RunState&, const Listing&) {}
+void step_output(RunState& rs, const Listing&) { step_plot_output(rs); }
+void final_summaries(RunState& rs, const Listing&) { end_plot_output(rs); }
 
 namespace {
 FlowParams flow_params(const RunState& rs)
