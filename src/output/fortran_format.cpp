@@ -1,5 +1,7 @@
 #include "output/fortran_format.hpp"
 
+#include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -13,36 +15,58 @@ std::string fit(const std::string& s, int w)
 }
 }  // namespace
 
-std::string fmt_e(double v, int w, int d)
+void append_e(std::string& out, double v, int w, int d)
 {
-    if (std::isnan(v)) return fit("NaN", w);
-    if (std::isinf(v)) return fit(v < 0 ? "-Infinity" : "Infinity", w);
+    // The field is built in a stack buffer and appended once: the plot files write
+    // millions of these, and no temporary string is made.
+    char field[128];
+    int len = 0;
+    if (std::isnan(v) || std::isinf(v) || w <= 0 || w > 100 || d > 60) {
+        out += fit(std::isnan(v) ? "NaN" : (v < 0 ? "-Infinity" : "Infinity"), std::max(w, 0));
+        return;
+    }
     const bool neg = std::signbit(v);
-    std::string digits;
+    char buf[96];
     int e = 0;
+    const char* digits = "";
+    int ndig = 0;
     if (d <= 0) {
-        // E w.0 keeps no digit: "0.E+01"
-        char buf[64];
         std::snprintf(buf, sizeof buf, "%.0E", std::fabs(v));
         e = (v == 0.0) ? 0 : std::atoi(std::strchr(buf, 'E') + 1) + 1;
     } else {
-        char buf[96];
         // One rounding to d significant digits: 9.99999995 in E15.6 becomes 1.000000E+01,
         // and the shift to the 0.d... form carries the exponent to +02.
-        std::snprintf(buf, sizeof buf, "%.*E", d - 1, std::fabs(v));
-        digits.assign(1, buf[0]);
-        digits.append(buf + 2, d - 1);
-        e = (v == 0.0) ? 0 : std::atoi(std::strchr(buf, 'E') + 1) + 1;
+        const auto res = std::to_chars(buf, buf + sizeof buf, std::fabs(v), std::chars_format::scientific, d - 1);
+        *res.ptr = '\0';
+        if (d > 1) buf[1] = buf[0];  // the digits run on without the point
+        digits = (d > 1) ? buf + 1 : buf;
+        ndig = d;
+        e = (v == 0.0) ? 0 : std::atoi(std::strchr(buf, 'e') + 1) + 1;
     }
-    char ex[16];
-    if (std::abs(e) <= 99)
-        std::snprintf(ex, sizeof ex, "E%+03d", e);
-    else if (std::abs(e) <= 999)
-        std::snprintf(ex, sizeof ex, "%+04d", e);
-    else
-        return std::string(w, '*');
-    std::string s = (neg ? "-0." : "0.") + digits + ex;
-    return fit(s, w);
+    if (std::abs(e) > 999) {
+        out.append(w, '*');
+        return;
+    }
+    if (neg) field[len++] = '-';
+    field[len++] = '0';
+    field[len++] = '.';
+    std::memcpy(field + len, digits, ndig);
+    len += ndig;
+    // three exponent digits drop the E
+    len += std::snprintf(field + len, sizeof field - len, std::abs(e) <= 99 ? "E%+03d" : "%+04d", e);
+    if (len > w) {
+        out.append(w, '*');
+        return;
+    }
+    out.append(w - len, ' ');
+    out.append(field, len);
+}
+
+std::string fmt_e(double v, int w, int d)
+{
+    std::string s;
+    append_e(s, v, w, d);
+    return s;
 }
 
 std::string fmt_f(double v, int w, int d)

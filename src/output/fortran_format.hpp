@@ -7,6 +7,8 @@
 
 // Ew.d: "[-]0.ddddE+xx"; a three-digit exponent drops the E ("0.1234-119").
 std::string fmt_e(double v, int w, int d);
+// The same field appended to out, without a temporary string.
+void append_e(std::string& out, double v, int w, int d);
 // Fw.d: "[-]ddd.dddd"; the leading zero of |v| < 1 goes first when space is short.
 std::string fmt_f(double v, int w, int d);
 // Iw: a plain integer.

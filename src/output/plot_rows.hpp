@@ -37,7 +37,7 @@ inline void add_line(std::string& b, std::string_view s) { b.append(s).push_back
 inline void add_count(std::string& b, long long n) { b += fmt_i(n, 6); }
 // The time of a zone or text label (days): an E field that never overflows for any time
 // a run can reach and keeps the step of short runs.
-inline void add_days(std::string& b, double tdays) { b += fmt_e(tdays, 13, 6); }
+inline void add_days(std::string& b, double tdays) { append_e(b, tdays, 13, 6); }
 
 // Writes the buffer to the file and empties it.
 void write_block(std::ostream& os, std::string& b);
@@ -56,7 +56,7 @@ inline Rows begin_rows(std::ostream& os, std::string& b, int per_row, int w, int
 constexpr std::size_t block_size = 1 << 16;
 inline void put(Rows& r, double v)
 {
-    *r.b += fmt_e(v, r.w, r.d);
+    append_e(*r.b, v, r.w, r.d);
     if (++r.n == r.per_row) {
         r.b->push_back('\n');
         r.n = 0;

@@ -146,14 +146,14 @@ void write_heatfluxtop(std::ostream& os, const PlotContext& c, const TopFluxes& 
             const int s = (iy - 1) * g.nex + ix;
             const int et = grid_element(ix, iy, g.nezt, g.nex, g.ney);  // top of the stack
             const int ef = grid_element(ix, iy, g.nez, g.nex, g.ney);   // top of its flow part
-            b += fmt_e(element_centre(g.int8, et, g.x), 12, 4);
-            b += fmt_e(element_centre(g.int8, et, g.y), 12, 4);
+            append_e(b, element_centre(g.int8, et, g.x), 12, 4);
+            append_e(b, element_centre(g.int8, et, g.y), 12, 4);
             b += fmt_i(ix, 6);
             const double cond = at(t.cond, s);
             for (double v : {at(t.alpha, s), at(t.beta, s), at(t.vmag, s), at(t.vperp, s), at(c.v.vz, et),
                              at(t.area, s), at(t.tref2, s), at(t.conv, s), cond, at(t.conv, s) + cond,
                              element_mean(g.int8, et, c.f.t1), element_mean(g.in, ef, c.f.u)})
-                b += fmt_e(v, 15, 5);
+                append_e(b, v, 15, 5);
             b.push_back('\n');
             if (b.size() >= block_size) write_block(os, b);
         }
