@@ -6,45 +6,26 @@
 
 // Density, viscosity, freezing curves and mixing rules against hand-computed values.
 
-TEST(Fluid, DensityMaximumAtFourDegrees)
+TEST(Fluid, DensityAndViscosity)
 {
     EXPECT_EQ(pw(4.0, true), 1000.0);
     EXPECT_EQ(rden(4.0, 0.0, 0.02, true, true), 0.0);
     // d = -4: (2.166e-8*(-4) - 6.562e-6)*16 = -1.0637824e-4
     EXPECT_NEAR(pw(0.0, true), 999.89362176, 1e-9);
-    // d = 21: 1000*((4.5486e-7 - 6.562e-6)*441 + 1)
-    EXPECT_NEAR(pw(25.0, true), 997.30675126, 1e-9);
     // no clamp below freezing: the cubic goes on (d = -14)
     EXPECT_NEAR(pw(-10.0, true), 1000.0 * ((2.166e-8 * -14 - 6.562e-6) * 196 + 1), 1e-12);
-    EXPECT_LT(pw(-10.0, true), pw(0.0, true));
-}
-
-TEST(Fluid, SwitchesOff)
-{
-    for (double T : {-20.0, 0.0, 4.0, 37.0}) {
+    // the thermal part of rden is pw/1000 - 1, the solute part gammac*C
+    EXPECT_DOUBLE_EQ(rden(20.0, 0.5, 0.025, false, true), 0.0125);
+    EXPECT_NEAR(rden(0.0, 0.5, 0.025, true, true), 0.0125 - 1.0637824e-4, 1e-15);
+    EXPECT_EQ(rvisc_w(0.0, true), 1.0);
+    // exp((0.001303 - 0.03073)*10), exp((-0.0002606 - 0.03073)*(-2))
+    EXPECT_NEAR(rvisc_w(10.0, true), 0.7450752939534823, 1e-14);
+    EXPECT_NEAR(rvisc_w(-2.0, true), 1.0639423424239751, 1e-14);
+    for (double T : {-20.0, 37.0}) {  // switched off
         EXPECT_EQ(pw(T, false), 1000.0);
         EXPECT_EQ(rvisc_w(T, false), 1.0);
         EXPECT_EQ(rden(T, 0.7, 0.025, false, false), 0.0);  // age transport: no buoyancy
     }
-}
-
-TEST(Fluid, RelativeDensityParts)
-{
-    // thermal part is pw/1000 - 1
-    EXPECT_NEAR(rden(0.0, 0.0, 0.0, true, false), -1.0637824e-4, 1e-15);
-    // solute part alone: gammac*C
-    EXPECT_DOUBLE_EQ(rden(20.0, 0.5, 0.025, false, true), 0.0125);
-    EXPECT_NEAR(rden(0.0, 0.5, 0.025, true, true), 0.0125 - 1.0637824e-4, 1e-15);
-}
-
-TEST(Fluid, RelativeViscosity)
-{
-    EXPECT_EQ(rvisc_w(0.0, true), 1.0);
-    // exp((0.001303 - 0.03073)*10) = exp(-0.29427)
-    EXPECT_NEAR(rvisc_w(10.0, true), 0.7450752939534823, 1e-14);
-    // exp((-0.0002606 - 0.03073)*(-2)) = exp(0.0619812)
-    EXPECT_NEAR(rvisc_w(-2.0, true), 1.0639423424239751, 1e-14);
-    EXPECT_NEAR(rvisc_w(25.0, true), 0.5031773935412772, 1e-14);
 }
 
 TEST(Fluid, WuModelsAtTheirBoundaries)
@@ -91,14 +72,6 @@ TEST(Fluid, WuModel3Ramp)
     // a front above 0: the ramp covers [T1, Ts), 1 above
     EXPECT_NEAR(Wu(0.5, p, q, 3, 1.0), 1.0 - 0.25, 1e-15);
     EXPECT_EQ(Wu(1.0, p, q, 3, 1.0), 1.0);
-}
-
-TEST(Fluid, DWuModel2CarriesOneFactorFewer)
-{
-    const double q = 1.7;
-    EXPECT_NEAR(dWu(-q, 0.3, q, 2, 0.0), 2.0 * std::exp(-1.0), 1e-15);
-    // model 4 has the exact derivative: (1-p)*2/q*exp(-1) at T = -q
-    EXPECT_NEAR(dWu(-q, 0.3, q, 4, 0.0), 0.7 * 2.0 / q * std::exp(-1.0), 1e-15);
 }
 
 // Central difference of Wu, away from the kinks of each model.
@@ -165,45 +138,4 @@ TEST(Fluid, BulkConductivitySquareRootMix)
     EXPECT_NEAR(tk(1.0, 1.0, 1.0, 0.6, 2.2, 2.5), 0.6, 1e-14);
     // dry pores contribute nothing: (0.7 sqrt(2.5))^2
     EXPECT_NEAR(tk(1.0, 0.3, 0.0, 0.6, 2.2, 2.5), 0.49 * 2.5, 1e-14);
-}
-
-TEST(Fluid, ApparentHeatCapacity)
-{
-    ThermalConstants tc;
-    tc.cf = 4186.0;
-    tc.pf = 1000.0;
-    tc.ci = 2108.0;
-    tc.rhoi = 920.0;
-    tc.wlh = 334000.0;
-    derive_thermal_constants(tc);
-    EXPECT_EQ(tc.cice, 2108.0 * 920.0);
-    EXPECT_EQ(tc.cwat, 4186.0 * 1000.0);
-    FreezeParams f;
-    f.p = 0.1;
-    f.q = 1.0;
-    f.modelwu = 1;
-    // T = -1: pw = 999.8332425, wu = 0.9/e + 0.1, dWu = 0.9/e
-    EXPECT_NEAR(pw(-1.0, true), 999.8332425, 1e-9);
-    const double wu = Wu(-1.0, f);
-    EXPECT_NEAR(heat_capacity(-1.0, wu, 0.3, 0.8, 2.0e6, tc, true), 2097815.954926661, 1e-6);
-    // latent term is por*rhoi*wlh*dWu, with por alone
-    EXPECT_NEAR(Co(-1.0, 0.3, 0.8, 2.0e6, f, tc, true), 32619154.51938008, 1e-5);
-    // unfrozen: no latent term, water at pw(T)
-    EXPECT_NEAR(Co(10.0, 0.3, 0.8, 2.0e6, f, tc, true),
-                0.24 * pw(10.0, true) * 4186.0 + 0.7 * 2.0e6, 1e-6);
-}
-
-TEST(Fluid, SwitchesFromKmass)
-{
-    FluidSwitches s = fluid_switches(0, 0.0);
-    EXPECT_TRUE(s.lheat && !s.lmass && !s.lage);
-    s = fluid_switches(1, 0.02);
-    EXPECT_TRUE(!s.lheat && s.lmass && !s.lage);
-    EXPECT_EQ(s.gammac, 0.02);
-    s = fluid_switches(2, 0.0);
-    EXPECT_TRUE(!s.lheat && !s.lmass && s.lage);
-    s = fluid_switches(3, 0.0);
-    EXPECT_TRUE(s.lheat && s.lmass && !s.lage);
-    s = fluid_switches(7, 0.0);
-    EXPECT_TRUE(!s.lheat && !s.lmass && !s.lage);
 }

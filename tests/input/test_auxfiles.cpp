@@ -69,16 +69,6 @@ TEST(AuxFiles, Grid3dReadsCoordinatesAndChecksItsHead)
     EXPECT_DOUBLE_EQ(s.g.z[7], 14.0);
     EXPECT_EQ(s.g.nnt, 18);
 
-    o = with_files({}, [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
-    EXPECT_TRUE(o.has_message("but this file does not exist")) << o.listing;
-    o = with_files({{"grid3d.plt", "t\nt\nzone i=    abc\n"}}, [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
-    EXPECT_TRUE(o.has_message("zone i=    nz, j=    ny, k=    nx (7x,i8,4x,i8,4x,i8)")) << o.listing;
-    o = with_files({{"grid3d.plt", "t\nt\nzone i=       3, j=       2, k=       4\n"}},
-                   [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
-    EXPECT_TRUE(o.has_message("grid dimensions are not the same as in gelmor.data")) << o.listing;
-    o = with_files({{"grid3d.plt", "t\nt\nzone i=       3, j=       2, k=       3\n1 2 3 4\n"}},
-                   [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); });
-    EXPECT_TRUE(o.has_message("end of file detected in grid3d.plt")) << o.listing;
 }
 
 TEST(AuxFiles, HinputGivesOneSectionUniformInY)
@@ -94,11 +84,6 @@ TEST(AuxFiles, HinputGivesOneSectionUniformInY)
     EXPECT_DOUBLE_EQ(s.f.u0[grid_node(3, 2, 1, s.g.ny, s.g.nz)], 31.0);
     EXPECT_TRUE(o.has(" initial condition for flow has been read in"));
 
-    o = with_files({}, [&](Files& f, const Listing& l) { read_hinput(f, l, s.g, s.f); });
-    EXPECT_TRUE(o.has_message("rename a hxz.out file to hinput.data and try again")) << o.listing;
-    o = with_files({{"hinput.data", "heads\n" + text.substr(6, 46 * 4)}},
-                   [&](Files& f, const Listing& l) { read_hinput(f, l, s.g, s.f); });
-    EXPECT_TRUE(o.has_message("!!! end-of-file detected in hinput.data file !!! ")) << o.listing;
 }
 
 TEST(AuxFiles, TablesOfTheSurfaceForcing)
@@ -110,23 +95,9 @@ TEST(AuxFiles, TablesOfTheSurfaceForcing)
     EXPECT_EQ(s.t.ntair, 3);
     EXPECT_DOUBLE_EQ(s.t.tair_v[3], 4.5);
     EXPECT_TRUE(o.has(" # data points ...            3\n"));
-    o = with_files({}, [&](Files& f, const Listing& l) { read_tair(f, l, s.t); });
-    EXPECT_TRUE(o.has_message("(ktair>0), but this file does not exist")) << o.listing;
-    o = with_files({{"tair.data", "air\n10001\n"}}, [&](Files& f, const Listing& l) { read_tair(f, l, s.t); });
-    EXPECT_TRUE(o.has_message("error, #Tair points (      10001) > max (      10000)")) << o.listing;
-    o = with_files({{"tair.data", "air\n2\n0 1 x 2\n"}}, [&](Files& f, const Listing& l) { read_tair(f, l, s.t); });
-    EXPECT_TRUE(o.has_message("error reading air temperatures in file tair.data")) << o.listing;
-
-    o = with_files({}, [&](Files& f, const Listing& l) { read_hbdy(f, l, s.t); });
-    EXPECT_FALSE(o.stopped);
-    EXPECT_TRUE(o.has(" no hbdy.data file found ... continuing"));
-    EXPECT_FALSE(s.t.lhbdy);
     o = with_files({{"hbdy.data", "heads\n2\n0 10.0\n5 11.0\n"}}, [&](Files& f, const Listing& l) { read_hbdy(f, l, s.t); });
     EXPECT_TRUE(s.t.lhbdy);
     EXPECT_DOUBLE_EQ(s.t.hbdy_h[2], 11.0);
-    o = with_files({{"hbdy.data", "heads\n2\n0 10.0\n5 q\n"}}, [&](Files& f, const Listing& l) { read_hbdy(f, l, s.t); });
-    EXPECT_TRUE(o.has_message("error reading bdy heads in file hbdy.data")) << o.listing;
-
     // two time points of one and two zones, read as one list across lines
     o = with_files({{"bzin.data", "bz\n2\n0.0 1  1 3 0.5 0.0 0.0  0.0\n10.0 2 1 1 0.4 1.0 2.0\n 2 3 0.6 0 0 1.5\n"}},
                    [&](Files& f, const Listing& l) { read_bzin(f, l, s.t); });
@@ -135,8 +106,6 @@ TEST(AuxFiles, TablesOfTheSurfaceForcing)
     EXPECT_EQ(s.t.bz[2].nzones, 2);
     EXPECT_DOUBLE_EQ(s.t.bz[2].zone[2].bz, 0.6);
     EXPECT_DOUBLE_EQ(s.t.bz[2].tdiff, 1.5);
-    o = with_files({}, [&](Files& f, const Listing& l) { read_bzin(f, l, s.t); });
-    EXPECT_TRUE(o.has(" no bzin.data file found ... ok, continuing"));
 }
 
 TEST(AuxFiles, GivenVelocitiesAndSeabedTable)
@@ -151,8 +120,6 @@ TEST(AuxFiles, GivenVelocitiesAndSeabedTable)
     EXPECT_DOUBLE_EQ(s.v.vx[2], 3.0e-6);
     EXPECT_DOUBLE_EQ(s.v.vz[1], -1.0e-7);
     EXPECT_DOUBLE_EQ(s.v.vy[4], 0.0);
-    o = with_files({}, [&](Files& f, const Listing& l) { read_veloc2d(f, l, s.g, s.v); });
-    EXPECT_TRUE(o.has_message("(ivel=3), but this file does not exist")) << o.listing;
 
     std::vector<double> heat_fc(s.g.nnt + 1, 0.0);
     o = with_files({{"slope_zt.data", "sea\n1 5.0 -1.5\n2 6.0 -1.0\n3 7.0 -0.5\n4 8.0 0.0\n"}},
@@ -164,8 +131,6 @@ TEST(AuxFiles, GivenVelocitiesAndSeabedTable)
     const int top = grid_node(3, 2, s.g.nzt, s.g.ny, s.g.nzt);
     EXPECT_DOUBLE_EQ(heat_fc[top], -0.5);
     EXPECT_DOUBLE_EQ(s.f.t10[top], -0.5);
-    o = with_files({}, [&](Files& f, const Listing& l) { read_slope_zt(f, l, s.g, true, s.t, heat_fc, s.f); });
-    EXPECT_TRUE(o.has(" no slope_zt.data file found, continuing ..."));
 }
 
 // A field file as the 3D outputs write it: three head lines, then x y z T C H a node.
@@ -203,11 +168,52 @@ TEST(AuxFiles, RestartOverwritesWhatKgoAsks)
     EXPECT_TRUE(o.has(" !! x(nn) in restart file therm_in.data is not ")) << o.listing;
     EXPECT_DOUBLE_EQ(s.g.x[1], 0.5);  // the file's coordinates replace the grid's
     EXPECT_EQ(fc[5], 0.0);
-    o = with_files({}, [&](Files& f, const Listing& l) { read_restart(f, l, s.opt, s.g, s.f, false, fc); });
-    EXPECT_TRUE(o.has_message("use kgo=0 or rename a t3d file to therm_in.data")) << o.listing;
-    o = with_files({{"therm_in.data", "a\nb\nc\n1 2 3\n"}},
-                   [&](Files& f, const Listing& l) { read_restart(f, l, s.opt, s.g, s.f, false, fc); });
-    EXPECT_TRUE(o.has_message("end of file detected in therm_in.data")) << o.listing;
+}
+
+// Missing and broken files: a message behind 10 blanks, or a remark when the file may be
+// missing.
+TEST(AuxFiles, MissingAndBrokenFilesGiveTheirWords)
+{
+    AuxCase s;
+    std::vector<double> fc(s.g.nn + 1, 0.0);
+    using Step = std::function<void(Files&, const Listing&)>;
+    const Step grid3d = [&](Files& f, const Listing& l) { read_grid3d(f, l, s.opt, s.g); };
+    const Step hinput = [&](Files& f, const Listing& l) { read_hinput(f, l, s.g, s.f); };
+    const Step tair = [&](Files& f, const Listing& l) { read_tair(f, l, s.t); };
+    const Step hbdy = [&](Files& f, const Listing& l) { read_hbdy(f, l, s.t); };
+    const Step restart = [&](Files& f, const Listing& l) { read_restart(f, l, s.opt, s.g, s.f, false, fc); };
+    const struct {
+        const char* file;
+        const char* text;
+        Step step;
+        const char* words;  // a message, or with a leading blank a remark
+    } cases[] = {
+        {"", "", grid3d, "but this file does not exist"},
+        {"grid3d.plt", "t\nt\nzone i=    abc\n", grid3d, "zone i=    nz, j=    ny, k=    nx (7x,i8,4x,i8,4x,i8)"},
+        {"grid3d.plt", "t\nt\nzone i=       3, j=       2, k=       4\n", grid3d,
+         "grid dimensions are not the same as in gelmor.data"},
+        {"grid3d.plt", "t\nt\nzone i=       3, j=       2, k=       3\n1 2 3 4\n", grid3d,
+         "end of file detected in grid3d.plt"},
+        {"", "", hinput, "rename a hxz.out file to hinput.data and try again"},
+        {"hinput.data", "heads\n1 1 10\n1 2 11\n", hinput, "!!! end-of-file detected in hinput.data file !!! "},
+        {"", "", tair, "(ktair>0), but this file does not exist"},
+        {"tair.data", "air\n10001\n", tair, "error, #Tair points (      10001) > max (      10000)"},
+        {"tair.data", "air\n2\n0 1 x 2\n", tair, "error reading air temperatures in file tair.data"},
+        {"", "", hbdy, " no hbdy.data file found ... continuing"},
+        {"hbdy.data", "heads\n2\n0 10.0\n5 q\n", hbdy, "error reading bdy heads in file hbdy.data"},
+        {"", "", [&](Files& f, const Listing& l) { read_bzin(f, l, s.t); }, " no bzin.data file found ... ok, continuing"},
+        {"", "", [&](Files& f, const Listing& l) { read_veloc2d(f, l, s.g, s.v); }, "(ivel=3), but this file does not exist"},
+        {"", "", [&](Files& f, const Listing& l) { read_slope_zt(f, l, s.g, true, s.t, fc, s.f); },
+         " no slope_zt.data file found, continuing ..."},
+        {"", "", restart, "use kgo=0 or rename a t3d file to therm_in.data"},
+        {"therm_in.data", "a\nb\nc\n1 2 3\n", restart, "end of file detected in therm_in.data"},
+    };
+    for (const auto& c : cases) {
+        std::vector<std::pair<std::string, std::string>> files;
+        if (*c.file) files.push_back({c.file, c.text});
+        const Outcome o = with_files(files, c.step);
+        EXPECT_TRUE(c.words[0] == ' ' ? o.has(c.words) : o.has_message(c.words)) << c.words << "\n" << o.listing;
+    }
 }
 
 }  // namespace

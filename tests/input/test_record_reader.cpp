@@ -70,28 +70,19 @@ TEST(RecordReader, RepeatsNullsAndSlash)
 
 TEST(RecordReader, NumberForms)
 {
+    const std::pair<const char*, double> reals[] = {{"5", 5.0}, {"1.5d-3", 1.5e-3}, {"-2.E+2", -200.0},
+                                                    {".25", 0.25}, {"1.0-3", 1.0e-3}};
     double v = 0;
-    EXPECT_TRUE(parse_real("5", v));
-    EXPECT_DOUBLE_EQ(v, 5.0);
-    EXPECT_TRUE(parse_real("1.5d-3", v));
-    EXPECT_DOUBLE_EQ(v, 1.5e-3);
-    EXPECT_TRUE(parse_real("-2.E+2", v));
-    EXPECT_DOUBLE_EQ(v, -200.0);
-    EXPECT_TRUE(parse_real(".25", v));
-    EXPECT_DOUBLE_EQ(v, 0.25);
-    EXPECT_TRUE(parse_real("1.0-3", v));
-    EXPECT_DOUBLE_EQ(v, 1.0e-3);
-    EXPECT_FALSE(parse_real("abc", v));
-    EXPECT_FALSE(parse_real("1e", v));
-    EXPECT_FALSE(parse_real(".", v));
-    EXPECT_FALSE(parse_real("1e999", v));
+    for (const auto& [text, want] : reals) {
+        EXPECT_TRUE(parse_real(text, v)) << text;
+        EXPECT_DOUBLE_EQ(v, want) << text;
+    }
+    for (const char* bad : {"abc", "1e", ".", "1e999"}) EXPECT_FALSE(parse_real(bad, v)) << bad;
     int i = 0;
     EXPECT_TRUE(parse_int("-17", i));
     EXPECT_EQ(i, -17);
-    EXPECT_FALSE(parse_int("1.0", i));  // integers take no decimal point
-    EXPECT_FALSE(parse_int("1e3", i));
-    EXPECT_FALSE(parse_int("99999999999", i));
-    EXPECT_FALSE(parse_int("-", i));
+    // integers take no decimal point or exponent
+    for (const char* bad : {"1.0", "1e3", "99999999999", "-"}) EXPECT_FALSE(parse_int(bad, i)) << bad;
 }
 
 TEST(RecordReader, BadValueAndEndOfFileAreReported)

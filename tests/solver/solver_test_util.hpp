@@ -1,13 +1,19 @@
 #pragma once
 #include <cmath>
 #include <initializer_list>
+#include <limits>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "control/limits.hpp"
 #include "control/listing.hpp"
 #include "solver/pattern.hpp"
+#include "solver/pcg_icc.hpp"
+#include "solver/pcg_ssor.hpp"
+#include "support/deck_run.hpp"
+#include "support/hex_system.hpp"
 
 // Both text channels of a run, kept in memory.
 struct Channels {
@@ -85,13 +91,25 @@ inline SmallSystem pair_system(int n, double dmin)
     return s;
 }
 
-// The records of a text, one per line.
-inline std::vector<std::string> records(const std::string& text)
+// icc::pcg with a work array of its own; the factor stays in `work` for a later kstart 2.
+struct IccRun {
+    std::vector<double> work;
+    void run(const LowerPattern& p, const std::vector<double>& a, const std::vector<double>& b,
+             std::vector<double>& x, int kstart, Channels& ch, int worklen = max_work)
+    {
+        const std::size_t len = 3 * std::size_t(p.neq) + p.nvec + 1;
+        if (work.size() != len) work.assign(len, std::numeric_limits<double>::quiet_NaN());
+        icc::pcg(a, p, b, x, work, worklen, kstart, ch.lst);
+    }
+};
+
+// ssor::pcg with work and block arrays of its own.
+inline void run_ssor(const LowerPattern& p, const std::vector<double>& a, const std::vector<double>& b,
+                     std::vector<double>& x, int kstart, Channels& ch, int maxblk = 100000, int worklen = max_work)
 {
-    std::vector<std::string> out;
-    std::istringstream in(text);
-    for (std::string l; std::getline(in, l);) out.push_back(l);
-    return out;
+    std::vector<double> work(6 * std::size_t(p.neq) + 1, std::numeric_limits<double>::quiet_NaN());
+    std::vector<int> iblk(maxblk + 1, -1);
+    ssor::pcg(a, p, b, x, work, worklen, iblk, maxblk, kstart, ch.con, ch.lst);
 }
 
 // The listing form of a stop: a blank line, then the message behind 10 blanks.

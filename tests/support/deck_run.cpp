@@ -26,6 +26,12 @@ std::string example_deck()
     return ss.str();
 }
 
+const DeckRun& example_run()
+{
+    static const DeckRun r = run_deck(example_deck());
+    return r;
+}
+
 std::vector<std::string> split_lines(const std::string& text)
 {
     std::vector<std::string> lines;

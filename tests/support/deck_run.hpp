@@ -18,7 +18,8 @@ struct DeckRun {
 
 DeckRun run_deck(const std::string& deck_text, const std::vector<std::pair<std::string, std::string>>& extra_files = {});
 
-// The bundled example deck, as text and as lines.
+// The bundled example deck, as text, and its one run shared by all tests.
 std::string example_deck();
+const DeckRun& example_run();
 std::vector<std::string> split_lines(const std::string& text);
 std::string join_lines(const std::vector<std::string>& lines);

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <sstream>
 #include <stdexcept>
 
+#include "flow/mindex.hpp"
 #include "solver/lower_csr.hpp"
 
 HexGrid hex_grid(int nx, int ny, int nz, double dx, double dy, double dz)
@@ -50,51 +52,6 @@ HexField hex_field(const HexGrid& g, const FixedMask& fixed)
     return f;
 }
 
-LowerPattern build_pattern(int neq, const std::vector<std::vector<int>>& elements,
-                           std::span<const int> idir, std::span<const int> ncum, int nb)
-{
-    LowerPattern p;
-    p.neq = neq;
-    p.nb = nb;
-    p.icol.assign(std::size_t(neq) * nb + 1, 0);
-    for (int m = 1; m <= neq; ++m) icol_at(p, m, 1) = m;
-    for (const std::vector<int>& el : elements)
-        for (int nq : el)
-            for (int np : el) {
-                if (idir[np] == 1 || idir[nq] == 1) continue;
-                const int m1 = np - ncum[np], m2 = nq - ncum[nq];
-                if (m1 >= m2) continue;
-                int k = 1;
-                while (k <= nb && icol_at(p, m2, k) != m1 && icol_at(p, m2, k) != 0) ++k;
-                if (k > nb) throw std::runtime_error("row wider than nb");
-                icol_at(p, m2, k) = m1;
-                p.bandwidth = std::max(p.bandwidth, k);
-            }
-    // Diagonal first, then the lower columns in descending order.
-    p.ia.assign(neq + 2, 0);
-    p.ia[1] = 1;
-    std::vector<int> row;
-    p.ja.assign(1, 0);
-    for (int m = 1; m <= neq; ++m) {
-        row.clear();
-        for (int k = 2; k <= nb && icol_at(p, m, k) != 0; ++k) row.push_back(icol_at(p, m, k));
-        std::sort(row.begin(), row.end(), std::greater<int>());
-        for (int k = 0; k < (int)row.size(); ++k) icol_at(p, m, k + 2) = row[k];
-        p.ja.push_back(m);
-        p.ja.insert(p.ja.end(), row.begin(), row.end());
-        p.ia[m + 1] = p.ia[m] + 1 + (int)row.size();
-    }
-    p.nvec = p.ia[neq + 1] - 1;
-    return p;
-}
-
-std::vector<std::vector<int>> hex_elements(const HexGrid& g)
-{
-    std::vector<std::vector<int>> els;
-    for (int l = 1; l <= g.ne; ++l) els.emplace_back(g.in[l].begin(), g.in[l].end());
-    return els;
-}
-
 void hex_element_matrix(const HexGrid& g, int l, double e[8][8])
 {
     static const double sx[8] = {-1, 1, 1, -1, -1, 1, 1, -1};
@@ -128,7 +85,17 @@ HexSystem hex_grid_system(int nx, int ny, int nz, const FixedMask& fixed)
     HexSystem s;
     s.grid = hex_grid(nx, ny, nz);
     s.field = hex_field(s.grid, fixed);
-    s.pat = build_pattern(s.field.neq, hex_elements(s.grid), s.field.idir, s.field.ncum);
+    // the program's pattern builder (test_mindex.cpp checks it against its own construction)
+    std::vector<int> inc(8 * std::size_t(s.grid.ne) + 1, 0);
+    for (int l = 1; l <= s.grid.ne; ++l)
+        for (int i = 0; i < 8; ++i) inc[(l - 1) * 8 + i + 1] = s.grid.in[l][i];
+    FieldIndex fi;
+    fi.nn = s.grid.nn;
+    fi.idir = s.field.idir;
+    count_fixed(fi);
+    std::ostringstream sink;
+    if (build_pattern(Listing{&sink}, inc, s.grid.ne, 15, fi) > 15) throw std::runtime_error("row wider than nb");
+    s.pat = fi.pat;
     s.a.assign(s.pat.nvec + 1, 0.0);
     s.b.assign(s.grid.nn + 1, 0.0);
     clear_values(s.pat, s.a);
@@ -190,32 +157,6 @@ std::vector<double> dense_matvec(const Dense& A, std::span<const double> x)
     for (int i = 1; i <= A.n; ++i)
         for (int j = 1; j <= A.n; ++j) y[i] += A(i, j) * x[j];
     return y;
-}
-
-std::vector<double> dense_solve(Dense A, std::span<const double> b)
-{
-    const int n = A.n;
-    for (int j = 1; j <= n; ++j) {  // A = L L^T, L in the lower triangle
-        double d = A(j, j);
-        for (int k = 1; k < j; ++k) d -= A(j, k) * A(j, k);
-        if (!(d > 0.0)) throw std::runtime_error("dense_solve: matrix not positive definite");
-        A(j, j) = std::sqrt(d);
-        for (int i = j + 1; i <= n; ++i) {
-            double s = A(i, j);
-            for (int k = 1; k < j; ++k) s -= A(i, k) * A(j, k);
-            A(i, j) = s / A(j, j);
-        }
-    }
-    std::vector<double> x(b.begin(), b.begin() + n + 1);
-    for (int i = 1; i <= n; ++i) {
-        for (int k = 1; k < i; ++k) x[i] -= A(i, k) * x[k];
-        x[i] /= A(i, i);
-    }
-    for (int i = n; i >= 1; --i) {
-        for (int k = i + 1; k <= n; ++k) x[i] -= A(k, i) * x[k];
-        x[i] /= A(i, i);
-    }
-    return x;
 }
 
 std::vector<double> dense_gauss_solve(Dense A, std::span<const double> b)

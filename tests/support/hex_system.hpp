@@ -34,13 +34,6 @@ using FixedMask = std::function<bool(int i, int j, int k)>;
 // fixed may be empty: no node fixed.  fc and qnode get smooth made-up values.
 HexField hex_field(const HexGrid& g, const FixedMask& fixed);
 
-// The pattern of the condensed matrix for elements with any node count: for every pair of
-// free nodes sharing an element, the wide table (nb positions per row) receives the lower
-// one, rows are sorted to diagonal then descending columns, then compressed.
-LowerPattern build_pattern(int neq, const std::vector<std::vector<int>>& elements,
-                           std::span<const int> idir, std::span<const int> ncum, int nb = 15);
-std::vector<std::vector<int>> hex_elements(const HexGrid& g);
-
 // Element l's diffusion-plus-mass matrix, 2x2x2 Gauss: anisotropic conductivity and a
 // mass coefficient that both vary from element to element.
 void hex_element_matrix(const HexGrid& g, int l, double e[8][8]);
@@ -71,7 +64,5 @@ Dense to_dense(const LowerPattern& p, std::span<const double> a);
 void dense_condensed(const HexSystem& s, Dense& A, std::vector<double>& b);
 // y = A x, one-based vectors.
 std::vector<double> dense_matvec(const Dense& A, std::span<const double> x);
-// x = A^-1 b by Cholesky (A symmetric positive definite), one-based vectors.
-std::vector<double> dense_solve(Dense A, std::span<const double> b);
 // x = A^-1 b by Gauss elimination with partial pivoting (any regular A), one-based vectors.
 std::vector<double> dense_gauss_solve(Dense A, std::span<const double> b);
