@@ -156,6 +156,22 @@ void write_hxz(std::ostream& os, const PlotContext& c, std::string& b)
     }
 }
 
+namespace {
+// The zone line of a yz section: i over the levels, j over the rows, the time and slot.
+void yz_zone_line(std::string& b, int levels, int ny, double tdays, int ix)
+{
+    add(b, "zone i=");
+    add_count(b, levels);
+    add(b, ", j=");
+    add_count(b, ny);
+    add(b, ", T=\"");
+    add_days(b, tdays);
+    add(b, " days; yz section ");
+    add_count(b, ix);
+    add_line(b, "\"");
+}
+}  // namespace
+
 // One zone per knox slot, i over the levels and j over the ny rows; every zone repeats
 // its coordinates.
 void write_tyz(std::ostream& os, const PlotContext& c, std::string& b)
@@ -164,15 +180,7 @@ void write_tyz(std::ostream& os, const PlotContext& c, std::string& b)
     for (int s = 1; s <= 5; ++s) {
         const int ix = c.d.knox[s];
         if (ix == 0) continue;
-        add(b, "zone i=");
-        add_count(b, g.nzt);
-        add(b, ", j=");
-        add_count(b, g.ny);
-        add(b, ", T=\"");
-        add_days(b, c.tdays);
-        add(b, " days; yz section ");
-        add_count(b, ix);
-        add_line(b, "\"");
+        yz_zone_line(b, g.nzt, g.ny, c.tdays, ix);
         Rows r = begin_rows(os, b, 5, 15, 6);
         for (int iy = 1; iy <= g.ny; ++iy)
             for (int k = 1; k <= g.nzt; ++k) {
@@ -193,15 +201,7 @@ void write_hyz(std::ostream& os, const PlotContext& c, std::string& b)
     for (int s = 1; s <= 5; ++s) {
         const int ix = c.d.knox[s];
         if (ix == 0) continue;
-        add(b, "zone i=");
-        add_count(b, g.nz);
-        add(b, ", j=");
-        add_count(b, g.ny);
-        add(b, ", T=\"");
-        add_days(b, c.tdays);
-        add(b, " days; yz section ");
-        add_count(b, ix);
-        add_line(b, "\"");
+        yz_zone_line(b, g.nz, g.ny, c.tdays, ix);
         Rows r = begin_rows(os, b, 3, 15, 6);
         for (int iy = 1; iy <= g.ny; ++iy)
             for (int k = 1; k <= g.nz; ++k) {
