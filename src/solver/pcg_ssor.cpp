@@ -22,15 +22,6 @@ constexpr double cstep = 9.99999997475243e-07;   // 1e-6 in single precision
 constexpr double relax = 1.3;                    // scales the inverse pivots only
 constexpr int maxit = 500;
 
-// Block [f, l] of the preconditioner, from w into z: z := L^-T D L^-1 w with the unit lower
-// factors e and the relaxed inverse pivots d of precg.
-void block_solve(int f, int l, const double* w, double* z, const double* d, const double* e)
-{
-    z[f] = w[f];
-    for (int i = f + 1; i <= l; ++i) z[i] = w[i] - e[i] * z[i - 1];
-    z[l] = z[l] * d[l];
-    for (int i = l - 1; i >= f; --i) z[i] = z[i] * d[i] - e[i + 1] * z[i + 1];
-}
 }  // namespace
 
 void precg(std::span<const double> a, const LowerPattern& p, std::span<double> d,
@@ -99,30 +90,53 @@ void cgtriadapt(std::span<const double> a, const LowerPattern& p, std::span<cons
     const double* ev = e.data();
     const int* ib = iblk.data();
 
-    // Forward: w(i) = r(i) - (strictly lower part outside the block) z, then the block.
-    // Row i > f skips its second entry, the coupling to i-1 that the block solve holds.
+    // Each block [f, l] is solved as z := L^-T D L^-1 w with the unit lower factors e and the
+    // relaxed inverse pivots d of precg.  Both recurrences carry the previous z in a
+    // register (read back from memory, every link of the chain would wait on a store), and
+    // each runs inside the row loop whose results it takes or gives, so that the short chain
+    // of the block hides behind the row gathers and scatters.  Every value is still formed
+    // from the same operands in the same order.
+
+    // Forward: w(i) = r(i) - (strictly lower part outside the block) z, eliminated at once;
+    // row i > f skips its second entry, the coupling to i-1 that the block solve holds.
     for (int blk = 1; blk <= nblk; ++blk) {
         const int f = ib[blk];
         const int l = ib[blk + 1] - 1;
+        double zc = 0.0;
         for (int i = f; i <= l; ++i) {
             prefetch_ahead(av, ja, ia[i], p.nvec);
             double sum = 0.0;
             for (int k = ia[i] + (i > f ? 2 : 1); k < ia[i + 1]; ++k) sum += av[k] * zv[ja[k]];
-            wv[i] = rv[i] - sum;
+            const double wi = rv[i] - sum;
+            wv[i] = wi;
+            zc = (i > f) ? wi - ev[i] * zc : wi;
+            zv[i] = zc;
         }
-        block_solve(f, l, wv, zv, dv, ev);
+        zc = zc * dv[l];
+        zv[l] = zc;
+        for (int i = l - 1; i >= f; --i) {
+            zc = zv[i] * dv[i] - ev[i + 1] * zc;
+            zv[i] = zc;
+        }
     }
 
-    // Backward: the block on the present w, then its upper-part coupling (the mirrored
-    // lower entries of its rows) leaves the right-hand sides of the earlier blocks.
+    // Backward: the block on the present w, then its upper-part coupling (the mirrored lower
+    // entries of its rows) leaves the right-hand sides of the earlier blocks, row by row as
+    // the back substitution gives z(i).
     for (int blk = nblk; blk >= 1; --blk) {
         const int f = ib[blk];
         const int l = ib[blk + 1] - 1;
-        block_solve(f, l, wv, zv, dv, ev);
+        double zc = wv[f];
+        zv[f] = zc;
+        for (int i = f + 1; i <= l; ++i) {
+            zc = wv[i] - ev[i] * zc;
+            zv[i] = zc;
+        }
         for (int i = l; i >= f; --i) {
             prefetch_behind(av, ja, ia[i]);
-            const double zi = zv[i];
-            for (int k = ia[i] + (i > f ? 2 : 1); k < ia[i + 1]; ++k) wv[ja[k]] -= av[k] * zi;
+            zc = (i < l) ? zv[i] * dv[i] - ev[i + 1] * zc : zc * dv[l];
+            zv[i] = zc;
+            for (int k = ia[i] + (i > f ? 2 : 1); k < ia[i + 1]; ++k) wv[ja[k]] -= av[k] * zc;
         }
     }
 }
