@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
+#include "solver/entry_pairs.hpp"
 #include "solver/stream_ahead.hpp"
 
 void clear_values(const LowerPattern& p, std::span<double> a)
@@ -85,6 +86,35 @@ void restore_nodal(int nn, const FixedNodes& fx, std::span<double> u)
     for (int i = nn; i >= 1; --i) uv[i] = (idir[i] == 1) ? fc[i] : uv[i - ncum[i]];
 }
 
+namespace {
+// The off-diagonal entries k1..kend-1 of row i in both roles: s += a(k) x(j) in storage
+// order, and the mirrored upper entry y(j) += a(k) x(i), which gives every y(j) the rows'
+// contributions in row order.  The columns of a row are distinct, so the two y updates of
+// a pair cannot meet.
+inline double row_both_ways(const double* av, const int* ja, const double* xv, double* yv, int k1,
+                            int kend, double xi, double s)
+{
+    const double_pair xi2 = splat(xi);
+    int k = k1;
+    for (; k + 1 < kend; k += 2) {
+        const double_pair a2 = load_pair(av + k);
+        const int_pair j = load_pair(ja + k);
+        const double_pair g = a2 * double_pair{xv[j[0]], xv[j[1]]};
+        const double_pair h = a2 * xi2;
+        s += g[0];
+        s += g[1];
+        yv[j[0]] += h[0];
+        yv[j[1]] += h[1];
+    }
+    if (k < kend) {
+        const int j = ja[k];
+        s += av[k] * xv[j];
+        yv[j] += av[k] * xi;
+    }
+    return s;
+}
+}  // namespace
+
 void matvec_lower(const LowerPattern& p, std::span<const double> a, std::span<const double> x,
                   std::span<double> y)
 {
@@ -96,13 +126,8 @@ void matvec_lower(const LowerPattern& p, std::span<const double> a, std::span<co
     for (int i = 1; i <= p.neq; ++i) {
         prefetch_ahead(av, ja, ia[i], p.nvec);
         const double xi = xv[i];
-        double s = av[ia[i]] * xi;
-        for (int k = ia[i] + 1; k < ia[i + 1]; ++k) {
-            const int j = ja[k];
-            s += av[k] * xv[j];
-            yv[j] += av[k] * xi;  // the mirrored upper entry; y[j], j < i, is already assigned
-        }
-        yv[i] = s;
+        // y(j), j < i, is already assigned when row i adds to it
+        yv[i] = row_both_ways(av, ja, xv, yv, ia[i] + 1, ia[i + 1], xi, av[ia[i]] * xi);
     }
 }
 
@@ -118,13 +143,8 @@ void matvec_lower_cleared(const LowerPattern& p, std::span<const double> a,
     for (int i = 1; i <= p.neq; ++i) {
         prefetch_ahead(av, ja, ia[i], p.nvec);
         const double xi = xv[i];
-        double yi = yv[i] + av[ia[i]] * xi;  // held in a register: no column of row i equals i
-        for (int k = ia[i] + 1; k < ia[i + 1]; ++k) {
-            const int j = ja[k];
-            yi += av[k] * xv[j];
-            yv[j] += av[k] * xi;
-        }
-        yv[i] = yi;
+        // y(i) is held in a register: no column of row i equals i
+        yv[i] = row_both_ways(av, ja, xv, yv, ia[i] + 1, ia[i + 1], xi, yv[i] + av[ia[i]] * xi);
     }
 }
 

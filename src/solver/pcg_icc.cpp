@@ -8,6 +8,7 @@
 #include "control/stop.hpp"
 #include "output/fortran_format.hpp"
 #include "solver/lower_csr.hpp"
+#include "solver/entry_pairs.hpp"
 #include "solver/stream_ahead.hpp"
 
 namespace icc {
@@ -128,7 +129,16 @@ void ilu_solve(std::span<const double> f, const LowerPattern& p, int reach, std:
         zcarry = zv[j1] - zi * fv[k1];
         zv[j1] = zcarry;
         jcarry = j1;
-        for (int k = k1 + 1; k < kend; ++k) zv[ja[k]] -= zi * fv[k];
+        // The columns of a row are distinct, so its updates may go in pairs.
+        const double_pair zi2 = splat(zi);
+        int k = k1 + 1;
+        for (; k + 1 < kend; k += 2) {
+            const double_pair q = zi2 * load_pair(fv + k);
+            const int_pair j = load_pair(ja + k);
+            zv[j[0]] -= q[0];
+            zv[j[1]] -= q[1];
+        }
+        if (k < kend) zv[ja[k]] -= zi * fv[k];
     }
 }
 
