@@ -148,6 +148,24 @@ void matvec_lower_cleared(const LowerPattern& p, std::span<const double> a,
     }
 }
 
+void start_residual(const LowerPattern& p, std::span<const double> a, std::span<const double> b,
+                    std::span<double> x, std::span<double> r, int kstart, bool cleared)
+{
+    if (kstart == 0) {
+        for (int i = 1; i <= p.neq; ++i) {
+            x[i] = 0.0;
+            r[i] = -b[i];
+        }
+        return;
+    }
+    // x as handed over, nodal numbering included: a poor start only costs steps.
+    if (cleared)
+        matvec_lower_cleared(p, a, x, r);
+    else
+        matvec_lower(p, a, x, r);
+    for (int i = 1; i <= p.neq; ++i) r[i] -= b[i];
+}
+
 int pattern_reach(const LowerPattern& p)
 {
     int reach = 0;

@@ -58,6 +58,12 @@ void matvec_lower(const LowerPattern& p, std::span<const double> a, std::span<co
 void matvec_lower_cleared(const LowerPattern& p, std::span<const double> a,
                           std::span<const double> x, std::span<double> y);
 
+// The first residual of both conjugate gradient solvers, r = A x - b: with kstart 0 from
+// x := 0, so r := -b; otherwise from x as handed over, through product form 1 or, with
+// `cleared`, form 2.
+void start_residual(const LowerPattern& p, std::span<const double> a, std::span<const double> b,
+                    std::span<double> x, std::span<double> r, int kstart, bool cleared);
+
 // How far back the rows reach: the largest i - j of a stored entry (0 for a diagonal).
 // The last entry of a row holds its smallest column.
 int pattern_reach(const LowerPattern& p);

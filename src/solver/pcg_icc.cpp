@@ -168,15 +168,7 @@ void pcg(std::span<const double> a, const LowerPattern& p, std::span<const doubl
     double* xv = x.data();
     const int* ia = p.ia.data();
 
-    if (kstart == 0) {
-        for (int i = 1; i <= neq; ++i) {
-            xv[i] = 0.0;
-            r[i] = -bv[i];
-        }
-    } else {
-        matvec_lower_cleared(p, a, x, rs);
-        for (int i = 1; i <= neq; ++i) r[i] -= bv[i];
-    }
+    start_residual(p, a, b, x, rs, kstart, true);
     for (int i = 1; i <= neq; ++i) {
         if (av[ia[i]] <= 0.0)
             stop_run(lst, {" pcg wird eine matrix mit" + fmt_i(i, 6) +

@@ -165,16 +165,7 @@ void pcg(std::span<const double> a, const LowerPattern& p, std::span<const doubl
     const double* av = a.data();
     const int* ia = p.ia.data();
 
-    if (kstart == 0) {
-        for (int i = 1; i <= neq; ++i) {
-            xv[i] = 0.0;
-            r[i] = -bv[i];
-        }
-    } else {
-        // The start vector is x as handed over, nodal numbering included: only costs steps.
-        matvec_lower(p, a, x, rs);
-        for (int i = 1; i <= neq; ++i) r[i] -= bv[i];
-    }
+    start_residual(p, a, b, x, rs, kstart, false);
     for (int i = 1; i <= neq; ++i) {
         if (av[ia[i]] <= 0.0) {
             const std::string msg =
