@@ -162,6 +162,9 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
         fi->qnode.assign(g.nnt + 1, 0.0);
         count_fixed(*fi);
     }
+    // age has no boundary section: every transport node is free, and the pattern is
+    // built quietly
+    if (opt.lage) build_pattern(Listing{}, g.int8, g.net, g.nbb, rs.mass);
     size_solves(rs);
     std::vector<double> u = std::move(rs.f.u), u0 = std::move(rs.f.u0), ui = std::move(rs.f.ui);
     size_fields(rs.f, g.nn, g.nnt);

@@ -77,7 +77,7 @@ void size_media(Media& m, const Grid& g, bool unsat, const Listing& lst)
     m.ne = g.ne;
     m.net = (int)net;
     for (std::vector<double>* a : {&m.ckx, &m.cky, &m.ckz}) a->assign(m.ne + 1, 0.0);
-    for (std::vector<double>* a : {&m.por, &m.sw, &m.tcx, &m.csol, &m.vol}) a->assign(m.net + 1, 0.0);
+    for (std::vector<double>* a : {&m.por, &m.sw, &m.tcx, &m.csol, &m.vol, &m.co0, &m.co1}) a->assign(m.net + 1, 0.0);
 }
 
 void echo_range_head(const Listing& lst)

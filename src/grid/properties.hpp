@@ -37,6 +37,8 @@ struct Media {
     std::vector<double> vol;             // element volumes (m^3), 1..net
     double voltot = 0;                   // their sum
     std::vector<double> tkel;            // bulk thermal conductivity (J/m/s/C), 1..net
+    std::vector<double> co0, co1;        // per element, written by the transport steps: heat
+                                         // capacity at the old level and the last pass, or R
     double tkmax = 0;                    // largest bulk thermal conductivity of the start-up
                                          // state; 0 until initial temperatures give it
 };

@@ -315,6 +315,10 @@ void read_transport_constants(RecordReader& rd, const Listing& lst, const Option
                        "   if agefx>0 (age transport), must set kmass=2", "program stopping"});
     if (d.decay > 0 && d.agefx > 0)
         stop_run(lst, {"incompatible decay-agefx", "agefx>0 then decay must be =0", "program stopping"});
+    // R divides every transport term: a mass or age run needs it positive
+    if ((opt.lmass || opt.lage) && !(d.ret > 0))
+        stop_run(lst, {"error, retardation ret must be greater than 0 for mass or age transport",
+                       free_items("ret = ", d.ret), "program stopping ..."});
 
     read_worded(rd, lst, "record 22 (cf pf ci rhoi tclw tcli wlh)", {"error reading cf,pf ... etc.", "program stopping ..."},
                 d.cf, d.pf, d.ci, d.rhoi, d.tclw, d.tcli, d.wlh);

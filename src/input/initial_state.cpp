@@ -129,7 +129,7 @@ void h_adjust(const Listing& lst, bool setup, double htide, double gammac, const
     lst.line(free_line(" saltwater and slope:"));
     lst.line(free_line("    ix, node       x           conc.       u0(m)"));
     for (int ix = 1; ix <= g.nx; ++ix) {
-        const int n = grid_node(ix, 1, nz, g.ny, nz);
+        const int n = grid_node(ix, g.ny, nz, g.ny, nz);  // the last y row
         lst.line(free_line(ix, n, g.x[n], t2[n], f.u0[n]));
     }
 }

@@ -224,7 +224,7 @@ void step_plot_output(RunState& rs)
 void peclet_output(RunState& rs)
 {
     PlotOutputs& p = rs.plots;
-    write_peclet(rs.files.w(plot_unit::peclet), context(rs, false), p.dispx, p.dispz, p.zones_peclet, p.rec);
+    write_peclet(rs.files.w(plot_unit::peclet), context(rs, false), p.zones_peclet, p.rec);
 }
 
 // Called by the loop when vectors are due: the sections at a plot step with the extra

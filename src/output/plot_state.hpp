@@ -60,6 +60,4 @@ struct PlotOutputs {
     std::vector<double> bz, bzf, bzq;    // by x index: conductance layer thickness (m), flux
                                          // (W/m2) and recharge (m/s)
     std::vector<double> hflux_xl;        // by x index: heat flux across the transfer layer (W/m2)
-    std::vector<double> dispx, dispz;    // by element: dispersion coefficient along x and z
-                                         // (m2/s); empty until the transport step sets them
 };

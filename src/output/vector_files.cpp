@@ -1,5 +1,7 @@
 #include "output/vector_files.hpp"
 
+#include "transport/dispersion.hpp"
+
 #include <algorithm>
 
 namespace {
@@ -206,15 +208,25 @@ void write_vectors3d(std::ostream& os, const PlotContext& c, std::string& b)
     end_rows(r);
 }
 
-// Grid Peclet numbers v dx / D along x and z, Courant numbers v dt / dx; an element
-// without a dispersion coefficient (or of zero size) shows 0 rather than a division by
-// zero.
-void write_peclet(std::ostream& os, const PlotContext& c, const std::vector<double>& dispx,
-                  const std::vector<double>& dispz, int& zones, std::string& b)
+namespace {
+constexpr double no_dispersion_peclet = 1.0e30;  // v dx / D with D = 0, signed like v
+
+double peclet(double v, double dx, double D)
+{
+    if (D != 0.0) return v * dx / D;
+    return v > 0 ? no_dispersion_peclet : (v < 0 ? -no_dispersion_peclet : 0.0);
+}
+}  // namespace
+
+// Grid Peclet numbers v dx / D along x and z with the dispersion tensor of the mass step
+// (diffusion included), Courant numbers v dt / dx.
+void write_peclet(std::ostream& os, const PlotContext& c, int& zones, std::string& b)
 {
     const Grid& g = c.g;
+    const Deck& d = c.d;
+    const Dispersivity disp{d.al, d.alt, d.ath, d.atv, d.idisp};
     const bool first = ++zones == 1;
-    const int je = element_layer(c.d.knoy[1], g.ney);
+    const int je = element_layer(d.knoy[1], g.ney);
     add(b, "zone i= ");
     add_count(b, g.nex);
     add(b, ", j= ");
@@ -224,15 +236,15 @@ void write_peclet(std::ostream& os, const PlotContext& c, const std::vector<doub
     for (int ke = 1; ke <= g.nezt; ++ke)
         for (int ie = 1; ie <= g.nex; ++ie) {
             const int e = grid_element(ie, je, ke, g.nex, g.ney);
-            const double vx = at(c.v.vx, e), vz = at(c.v.vz, e);
+            const double vx = at(c.v.vx, e), vy = at(c.v.vy, e), vz = at(c.v.vz, e);
             const double dx = g.dxe[e], dz = g.dze[e];
-            const double Dx = at(dispx, e), Dz = at(dispz, e);
+            const Tensor D = dispersion_tensor(disp, vx, vy, vz, d.dd);
             if (first) {
                 put(r, centre(g, e, g.x));
                 put(r, centre(g, e, g.z));
             }
-            put(r, Dx > 0 ? vx * dx / Dx : 0.0);
-            put(r, Dz > 0 ? vz * dz / Dz : 0.0);
+            put(r, peclet(vx, dx, D.xx));
+            put(r, peclet(vz, dz, D.zz));
             put(r, dx > 0 ? c.dt * vx / dx : 0.0);
             put(r, dz > 0 ? c.dt * vz / dz : 0.0);
         }

@@ -17,10 +17,9 @@ void write_vectors(std::ostream& os, const PlotContext& c, VectorPlane plane, st
 // Every element: centre and velocity, one element a record.
 void write_vectors3d(std::ostream& os, const PlotContext& c, std::string& b);
 // Peclet and Courant numbers of the element layer knoy(1); the first zone of the file
-// carries the element centres.  `dispx`, `dispz` are the dispersion coefficients by
-// element; without them the Peclet numbers are written as 0.
-void write_peclet(std::ostream& os, const PlotContext& c, const std::vector<double>& dispx,
-                  const std::vector<double>& dispz, int& zones, std::string& b);
+// carries the element centres.  Where the dispersion coefficient is 0 the Peclet number
+// is written as 1.0E+30 with the sign of the velocity (0 without flow).
+void write_peclet(std::ostream& os, const PlotContext& c, int& zones, std::string& b);
 
 // The fracture velocity files of the end of a run: xz planes and lines along x and z;
 // xy planes and lines along x and y; the xy planes lying on node level knoz(1).

@@ -3,8 +3,10 @@
 #include "control/run_state.hpp"
 #include "flow/flow_system.hpp"
 #include "flow/velocities.hpp"
+#include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
 #include "output/plot_output.hpp"
+#include "transport/mass_step.hpp"
 
 void initial_output(RunState& rs, const Listing&) { initial_plot_output(rs); }
 void apply_forcing(RunState&, const Listing&) {}
@@ -15,7 +17,6 @@ void age_exit_rule(RunState&, const Listing&) {}
 void heat_transport_v1(RunState&, const Listing&, const Console&) {}
 void heat_transport_v2(RunState&, const Listing&, const Console&) {}
 void deformation_update(RunState&, const Listing&) {}
-void mass_transport(RunState&, const Listing&, const Console&) {}
 void node_type_change(RunState&, const Listing&) {}
 void dztot_update(RunState&, const Listing&) {}
 void peclet_courant_plot(RunState& rs) { peclet_output(rs); }
@@ -69,4 +70,32 @@ void uniform_fracture_velocities(RunState& rs)
         rs.vel.vx2d[l] = d.iflipv * d.vx0;
         rs.vel.vy2d[l] = d.iflipv * d.vy0;
     }
+}
+
+namespace {
+MassParams mass_params(const RunState& rs)
+{
+    const Deck& d = rs.deck;
+    MassParams mp;
+    mp.kint = rs.opt.kint;
+    mp.lmass = rs.opt.lmass;
+    mp.disp = Dispersivity{d.al, d.alt, d.ath, d.atv, d.idisp};
+    mp.dd = d.dd;
+    mp.ret = d.ret;
+    mp.decay = d.decay;
+    mp.agefx = d.agefx;
+    mp.scheme.dtinv = rs.loop.dtinv;
+    mp.scheme.dthalf = rs.loop.dthalf;
+    return mp;
+}
+}  // namespace
+
+void mass_transport(RunState& rs, const Listing& lst, const Console&)
+{
+    mtran(rs.grid, rs.media, rs.frac, rs.vel, rs.tables, mass_params(rs), MassSources{rs.src.qsrc, rs.src.csrc},
+          rs.mass, rs.f, rs.work, rs.cmat, lst);
+    lst.line(free_line("mass transport(v2) solution complete at t= ", rs.loop.tdays));
+    // fixed heads follow the weight of the new concentrations
+    if (rs.deck.gammac > 0)
+        h_adjust(lst, false, rs.loop.htide, rs.deck.gammac, rs.grid, rs.flow, rs.fc0, rs.aux, rs.flow.fc, rs.f);
 }

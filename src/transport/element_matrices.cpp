@@ -1,0 +1,171 @@
+#include "transport/element_matrices.hpp"
+
+#include <cmath>
+
+#include "element/hex.hpp"
+
+namespace {
+// One time level's tensor wd D + wa dthalf v v.  The weights are halves and wholes, so
+// the order of the products does not round.
+Tensor level_tensor(const Tensor& D, double vx, double vy, double vz, double wd, double wa, double h)
+{
+    return Tensor{wd * D.xx + vx * vx * wa * h, wd * D.yy + vy * vy * wa * h, wd * D.zz + vz * vz * wa * h,
+                  wd * D.xy + vx * vy * wa * h, wd * D.xz + vx * vz * wa * h, wd * D.yz + vy * vz * wa * h};
+}
+
+// grad N_i . T . grad N_j at one Gauss point
+inline double gauss_form(const Tensor& t, const double* nx, const double* ny, const double* nz, int i, int j)
+{
+    return t.xx * nx[i] * nx[j] + t.yy * ny[i] * ny[j] + t.zz * nz[i] * nz[j] + t.xy * (nx[i] * ny[j] + ny[i] * nx[j]) +
+           t.xz * (nx[i] * nz[j] + nz[i] * nx[j]) + t.yz * (ny[i] * nz[j] + nz[i] * ny[j]);
+}
+
+// The integral of grad N_i . T . grad N_j over a brick, T already scaled by its sizes
+inline double table_form(const Tensor& t, const ElementTables& et, int i, int j)
+{
+    return t.xx * et.sxx[i][j] + t.yy * et.syy[i][j] + t.zz * et.szz[i][j] + t.xy * et.sxy[i][j] +
+           t.xz * et.sxz[i][j] + t.yz * et.syz[i][j];
+}
+}  // namespace
+
+ElementCoefficients element_coefficients(const Tensor& D, double vx, double vy, double vz, const TransportScheme& s)
+{
+    return ElementCoefficients{level_tensor(D, vx, vy, vz, s.wdisp, s.waug, s.dthalf),
+                               level_tensor(D, vx, vy, vz, s.wdisp1, s.waug1, s.dthalf), vx, vy, vz};
+}
+
+void elmatn(const ElementCoefficients& c, double dtinv, std::span<const double> x, std::span<const double> y,
+            std::span<const double> z, const int nodes[9], double amat[9][9], double bmat[9][9], double R,
+            const GaussRules& gr)
+{
+    double nx[9], ny[9], nz[9], n[9];
+    for (int i = 1; i <= 8; ++i)
+        for (int j = 1; j <= 8; ++j) amat[i][j] = bmat[i][j] = 0.0;
+    for (int g = 1; g <= 8; ++g) {
+        double xi, eta, zeta, w, det;
+        gauss_point_2x2x2(gr, g, xi, eta, zeta, w);
+        hex_shape(x, y, z, nodes, xi, eta, zeta, det, nx, ny, nz, n);
+        const double wg = det * w;
+        for (int i = 1; i <= 8; ++i)
+            for (int j = 1; j <= 8; ++j) {
+                const double mass = dtinv * n[i] * n[j];
+                const double sl = gauss_form(c.e, nx, ny, nz, i, j);
+                const double sr =
+                    gauss_form(c.r, nx, ny, nz, i, j) + n[i] * (c.ax * nx[j] + c.ay * ny[j] + c.az * nz[j]);
+                amat[i][j] += wg * (sl / R + mass);
+                bmat[i][j] += wg * (sr / R - mass);
+            }
+    }
+}
+
+void elmatd(ElementCoefficients& c, const ElementTables& et, double dtinv, double dx, double dy, double dz, double R,
+            double decay, double agefx, double amat[9][9], double bmat[9][9], double cmat[9][9])
+{
+    const double sx = dy * dz / (36.0 * dx), sy = dx * dz / (36.0 * dy), sz = dx * dy / (36.0 * dz);
+    c.e.xx *= sx;
+    c.r.xx *= sx;
+    c.e.yy *= sy;
+    c.r.yy *= sy;
+    c.e.zz *= sz;
+    c.r.zz *= sz;
+    c.e.xy *= dz / 12.0;
+    c.r.xy *= dz / 12.0;
+    c.e.xz *= dy / 12.0;
+    c.r.xz *= dy / 12.0;
+    c.e.yz *= dx / 12.0;
+    c.r.yz *= dx / 12.0;
+    c.ax *= dy * dz / 72.0;
+    c.ay *= dx * dz / 72.0;
+    c.az *= dx * dy / 72.0;
+    const double v216 = dx * dy * dz / 216.0;
+    const double t = dtinv * v216, d = decay * v216, g = agefx * v216;
+    for (int i = 1; i <= 8; ++i)
+        for (int j = 1; j <= 8; ++j) {
+            const double sl = table_form(c.e, et, i, j);
+            const double sr = table_form(c.r, et, i, j) + c.ax * et.cx[i][j] + c.ay * et.cy[i][j] + c.az * et.cz[i][j];
+            amat[i][j] = sl / R + t * et.amcons[i][j] + d * et.amcons[i][j];
+            bmat[i][j] = sr / R - t * et.amcons[i][j];
+            cmat[i][j] = g * et.amlump[i][j];
+        }
+}
+
+void line_fracture_matrices(double Df, double vf, double wf, double len, double R, double decay,
+                            const TransportScheme& s, double amat[3][3], double bmat[3][3])
+{
+    const double dl = (s.wdisp * Df + s.waug * vf * vf * s.dthalf) * wf / len;
+    const double dr = (s.wdisp1 * Df + s.waug1 * vf * vf * s.dthalf) * wf / len;
+    const double adv = vf * wf / 2.0;
+    // the mass stands on every entry of amat but on the diagonal of bmat only, and the
+    // decay is neither halved nor retarded: a line keeps these as its own weights
+    const double m = len * wf * s.dtinv / (2.0 * R);
+    const double lam = decay * len * wf;
+    amat[1][1] = amat[2][2] = dl / R + m + lam;
+    amat[1][2] = amat[2][1] = -dl / R + m + lam;
+    bmat[1][1] = (dr - adv) / R - m;
+    bmat[2][2] = (dr + adv) / R - m;
+    bmat[1][2] = -(dr - adv) / R;
+    bmat[2][1] = -(dr + adv) / R;
+}
+
+void plane_fracture_matrices(const PlaneFracture& pf, double al, double at, double dd, double R, double decay,
+                             double agefx, const TransportScheme& s, const ElementTables& et, double amat[5][5],
+                             double bmat[5][5], double cmat[5][5])
+{
+    const double u = pf.vx2d, v = pf.vy2d, wf = pf.wf;
+    const double vm = std::sqrt(u * u + v * v);
+    double d11 = dd, d22 = dd, d12 = 0.0;  // a still plane: diffusion alone
+    if (vm != 0.0) {
+        d11 = (al * u * u + at * v * v) / vm + dd;
+        d22 = (al * v * v + at * u * u) / vm + dd;
+        d12 = (al - at) * u * v / vm;
+    }
+    const double e11 = (s.wdisp * d11 + s.waug * s.dthalf * u * u) * wf * pf.asp / 6.0;
+    const double e22 = (s.wdisp * d22 + s.waug * s.dthalf * v * v) * wf / (6.0 * pf.asp);
+    const double e12 = (s.wdisp * d12 + s.waug * s.dthalf * u * v) * wf / 2.0;
+    const double r11 = (s.wdisp1 * d11 + s.waug1 * s.dthalf * u * u) * wf * pf.asp / 6.0;
+    const double r22 = (s.wdisp1 * d22 + s.waug1 * s.dthalf * v * v) * wf / (6.0 * pf.asp);
+    const double r12 = (s.wdisp1 * d12 + s.waug1 * s.dthalf * u * v) * wf / 2.0;
+    const double a1 = u * pf.l2 * wf / 12.0, a2 = v * pf.l1 * wf / 12.0;
+    const double m = s.dtinv * wf * pf.area / (36.0 * R);
+    const double lam = decay * wf * pf.area / 36.0;
+    const double g = agefx * wf * pf.area / 36.0;
+    for (int i = 1; i <= 4; ++i)
+        for (int j = 1; j <= 4; ++j) {
+            amat[i][j] = (e11 * et.fxx[i][j] + e22 * et.fyy[i][j] + e12 * et.fxy[i][j]) / R + m * et.fm[i][j] +
+                         lam * et.fm[i][j];
+            bmat[i][j] = (r11 * et.fxx[i][j] + r22 * et.fyy[i][j] + r12 * et.fxy[i][j] + a1 * et.fcx[i][j] +
+                          a2 * et.fcy[i][j]) / R - m * et.fm[i][j];
+            cmat[i][j] = g * et.fm[i][j];
+        }
+}
+
+void scatter_transport(int n, const int* nodes, const double* amat, const double* bmat, const double* cmat, int ld,
+                       TransportTarget& tt)
+{
+    const int* idir = tt.idir.data();
+    const int* ncum = tt.ncum.data();
+    const double* w = tt.w.data();
+    double* a = tt.t.a.data();
+    double* b = tt.t.b.data();
+    double* rvec = tt.rvec.data();
+    for (int i = 1; i <= n; ++i) {
+        const int p = nodes[i];
+        if (idir[p] == 1) continue;
+        const int m1 = p - ncum[p];
+        for (int j = 1; j <= n; ++j) {
+            const int q = nodes[j];
+            const int ij = i * ld + j;
+            if (idir[q] == 1) {
+                // a fixed node holds its old value at both levels
+                b[m1] -= (amat[ij] + bmat[ij]) * w[q];
+                continue;
+            }
+            const int m2 = q - ncum[q];
+            if (m1 <= m2) a[lower_position(tt.t, m1, m2)] += amat[ij];
+            if (cmat)
+                rvec[m1] = rvec[m1] + cmat[ij] - bmat[ij] * w[q];
+            else
+                rvec[m1] = rvec[m1] - bmat[ij] * w[q];
+        }
+    }
+}
