@@ -143,7 +143,8 @@ void ilu_solve(std::span<const double> f, const LowerPattern& p, int reach, std:
 }
 
 void pcg(std::span<const double> a, const LowerPattern& p, std::span<const double> b,
-         std::span<double> x, std::span<double> work, int worklen, int kstart, const Listing& lst)
+         std::span<double> x, std::span<double> work, int worklen, int kstart, const Listing& lst,
+         int* steps)
 {
     const int neq = p.neq;
     const int nnz = p.ia[neq + 1] - 1;
@@ -229,8 +230,10 @@ void pcg(std::span<const double> a, const LowerPattern& p, std::span<const doubl
         }
 
         // rr is this step's residual before its update: an exact step is seen one step late.
-        if (rr <= std::min(rr0 * cred, acc)) return;
-        if (rr <= bb * cfloor) return;
+        if (rr <= std::min(rr0 * cred, acc) || rr <= bb * cfloor) {
+            if (steps) *steps = it;
+            return;
+        }
         if (rho <= rho0 * cfloor) {
             lst.line(" genauigkeit in der metrik der vorkonditionierung schon gut");
             break;
@@ -242,6 +245,7 @@ void pcg(std::span<const double> a, const LowerPattern& p, std::span<const doubl
         rho_prev = rho;
     }
     it = std::min(it, maxit);  // all steps run: the report names the last one
+    if (steps) *steps = it;
 
     if (rr > acc) {
         lst.line(" pcg erzielt in" + fmt_i(it, 4) + " schritten");

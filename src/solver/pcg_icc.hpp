@@ -25,6 +25,6 @@ void pcg(std::span<const double> a, const LowerPattern& p,  // matrix
          std::span<const double> b, std::span<double> x,    // right-hand side, solution
          std::span<double> work, int worklen,               // work, 3*neq + nnz doubles
          int kstart,                                        // start and factor reuse
-         const Listing& lst);
+         const Listing& lst, int* steps = nullptr);         // out: steps taken, when asked
 
 }  // namespace icc

@@ -49,9 +49,9 @@ void assemble_fractures(const Grid& g, const Media& m, const Fractures& fr, cons
 
 }  // namespace
 
-void mtran(const Grid& g, Media& m, const Fractures& fr, const Velocities& v, const ElementTables& et,
-           const MassParams& mp, const MassSources& src, const FieldIndex& mass, Fields& f, SolverWork& w,
-           double cmat[9][9], const Listing& lst)
+void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocities& v, const ElementTables& et,
+                   const MassParams& mp, const MassSources& src, const FieldIndex& mass, const Fields& f,
+                   SolverWork& w, double cmat[9][9])
 {
     const LowerPattern& pat = mass.pat;
     const int nnt = g.nnt;
@@ -93,9 +93,17 @@ void mtran(const Grid& g, Media& m, const Fractures& fr, const Velocities& v, co
         w.a[ia[k]] += sq;
     }
     for (int k = 1; k <= mass.neq; ++k) w.b[k] += w.rvec[k];
+}
 
+void mtran(const Grid& g, Media& m, const Fractures& fr, const Velocities& v, const ElementTables& et,
+           const MassParams& mp, const MassSources& src, const FieldIndex& mass, Fields& f, SolverWork& w,
+           double cmat[9][9], const Listing& lst, int* steps)
+{
+    assemble_mass(g, m, fr, v, et, mp, src, mass, f, w, cmat);
+    const LowerPattern& pat = mass.pat;
+    const int nnt = g.nnt;
     // t2 itself, in node numbering, is the start vector
-    icc::pcg(w.a, pat, w.b, f.t2, w.work, max_work, 1, lst);
+    icc::pcg(w.a, pat, w.b, f.t2, w.work, max_work, 1, lst, steps);
 
     const int* idir = mass.idir.data();
     const int* ncum = mass.ncum.data();

@@ -31,9 +31,15 @@ struct MassSources {
 };
 
 // One pass of a mass (or age) step: assembles the bricks and fracture elements of the
-// transport grid, the injection sources, and solves for f.t2 from f.t20 with the
-// incomplete-Cholesky pcg.  co0 and co1 of every element receive R.  cmat is the growth
-// matrix of the tables path, kept between calls as it was last written.
+// transport grid and the injection sources, and solves for f.t2 from f.t20 with the
+// incomplete-Cholesky pcg (`steps`, when given, receives its step count).  co0 and co1
+// of every element receive R.  cmat is the growth matrix of the tables path, kept
+// between calls as it was last written.
 void mtran(const Grid& g, Media& m, const Fractures& fr, const Velocities& v, const ElementTables& et,
            const MassParams& mp, const MassSources& src, const FieldIndex& mass, Fields& f, SolverWork& w,
-           double cmat[9][9], const Listing& lst);
+           double cmat[9][9], const Listing& lst, int* steps = nullptr);
+
+// The assembly of mtran alone: w.a and w.b hold the system of the pass, by equation.
+void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocities& v, const ElementTables& et,
+                   const MassParams& mp, const MassSources& src, const FieldIndex& mass, const Fields& f,
+                   SolverWork& w, double cmat[9][9]);
