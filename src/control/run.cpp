@@ -1,5 +1,6 @@
 #include "control/run_state.hpp"
 
+#include "control/limits.hpp"
 #include "control/stop.hpp"
 #include "element/function_table.hpp"
 #include "element/hex.hpp"
@@ -10,6 +11,7 @@
 #include "input/deck.hpp"
 #include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
+#include "solver/lower_csr.hpp"
 #include "timeloop/step_calls.hpp"
 #include "timeloop/time_loop.hpp"
 
@@ -165,6 +167,8 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     // age has no boundary section: every transport node is free, and the pattern is
     // built quietly
     if (opt.lage) build_pattern(Listing{}, g.int8, g.net, g.nbb, rs.mass);
+    if (opt.lmass || opt.lage)
+        element_positions(rs.mass.pat, g.int8, g.net, rs.mass.idir, rs.mass.ncum, nb_transport, rs.mass.epos);
     size_solves(rs);
     std::vector<double> u = std::move(rs.f.u), u0 = std::move(rs.f.u0), ui = std::move(rs.f.ui);
     size_fields(rs.f, g.nn, g.nnt);

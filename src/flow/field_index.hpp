@@ -20,6 +20,7 @@ struct FieldIndex {
     int kbtop = 0;                 // -1 when kb(6) = 4 (top thermally leaky for heat)
     double last_value = 0;         // value of the last Dirichlet patch read (-999: cosine surface)
     LowerPattern pat;              // ia, ja, icol
+    ElementPositions epos;         // brick slots in pat for transport assembly; remade with pat
 };
 
 // Cosine head on the top face (code 6, flow only): the parameters of the last record,

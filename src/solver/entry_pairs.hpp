@@ -22,3 +22,5 @@ inline int_pair load_pair(const int* p)
 }
 
 inline double_pair splat(double x) { return double_pair{x, x}; }
+
+inline void store_pair(double* p, double_pair v) { std::memcpy(p, &v, sizeof v); }

@@ -33,6 +33,30 @@ int lower_position(ScatterTarget& t, int m1, int m2)
     return t.pat.ia[m2] + t.k - 1;
 }
 
+void element_positions(const LowerPattern& p, std::span<const int> inc, int ne, std::span<const int> idir,
+                       std::span<const int> ncum, int bound, ElementPositions& ep)
+{
+    ep.ne = ne;
+    ep.k.assign((std::size_t)ne * 64, 0);
+    ScatterTarget t{p, {}, {}, bound};
+    for (int e = 1; e <= ne; ++e) {
+        const int* nodes = &inc[(std::size_t)(e - 1) * 8];
+        std::uint8_t* ke = &ep.k[(std::size_t)(e - 1) * 64];
+        for (int i = 1; i <= 8; ++i) {
+            const int q1 = nodes[i];
+            if (idir[q1] == 1) continue;
+            const int m1 = q1 - ncum[q1];
+            for (int j = 1; j <= 8; ++j) {
+                const int q2 = nodes[j];
+                if (idir[q2] == 1) continue;
+                const int m2 = q2 - ncum[q2];
+                if (m1 <= m2) ke[(i - 1) * 8 + j - 1] = (std::uint8_t)(lower_position(t, m1, m2) - p.ia[m2] + 1);
+            }
+        }
+    }
+    ep.last_k = t.k;
+}
+
 namespace {
 // The scatter for an n-node element: row i of a fixed node is skipped; a fixed column
 // node moves to the right-hand side; a free pair enters a once, from its lower triangle.

@@ -38,6 +38,11 @@ void fill_rhs(int nn, std::span<const int> idir, std::span<const int> ncum,
 // k = 1..t.bound; on failure the k of the previous search is used, in row m2.
 int lower_position(ScatterTarget& t, int m1, int m2);
 
+// The slots of every brick's node pairs of a pattern (see ElementPositions), from the
+// element incidence inc and the field's fixed nodes; bound as for lower_position.
+void element_positions(const LowerPattern& p, std::span<const int> inc, int ne, std::span<const int> idir,
+                       std::span<const int> ncum, int bound, ElementPositions& ep);
+
 // Add element matrix e (row i, column j in local node order) of an element with nodes
 // `nodes` into t.a, eliminating fixed neighbours into t.b with fx.fc.  Only the pairs
 // with m1 <= m2 are entered, so the part of e that goes to a must be symmetric.

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <vector>
 
 // Lower triangle of a symmetric matrix, one-based (index 0 unused).  Row m holds the
@@ -18,3 +19,16 @@ struct LowerPattern {
 // search of assembly touches one or two cache lines.
 inline int& icol_at(LowerPattern& p, int m, int k) { return p.icol[(m - 1) * p.nb + k]; }
 inline int icol_at(const LowerPattern& p, int m, int k) { return p.icol[(m - 1) * p.nb + k]; }
+
+// The slots of every brick's node pairs, found once for a pattern so that assembly needs
+// no search: for element e and local nodes i, j (1..8) with both nodes free and the
+// equation of i not above that of j, k[(e-1)*64 + (i-1)*8 + j-1] is the slot of the pair
+// in row m2 (the entry a[ia[m2] + k - 1]); 0 for every other pair.  Filled by the same
+// searches, in the same order, as element-by-element assembly with lower_position, so
+// the slots, and last_k for any search that follows, are exactly what it would find.
+// Valid for the pattern and fixed nodes it was made from: rebuild when they change.
+struct ElementPositions {
+    int ne = 0;                  // elements covered; 0: not made
+    std::vector<std::uint8_t> k; // 64 slots an element
+    int last_k = 1;              // the search state after the last element
+};

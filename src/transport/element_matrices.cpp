@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "element/hex.hpp"
+#include "solver/entry_pairs.hpp"
 
 namespace {
 // One time level's tensor wd D + wa dthalf v v.  The weights are halves and wholes, so
@@ -20,12 +21,6 @@ inline double gauss_form(const Tensor& t, const double* nx, const double* ny, co
            t.xz * (nx[i] * nz[j] + nz[i] * nx[j]) + t.yz * (ny[i] * nz[j] + nz[i] * ny[j]);
 }
 
-// The integral of grad N_i . T . grad N_j over a brick, T already scaled by its sizes
-inline double table_form(const Tensor& t, const ElementTables& et, int i, int j)
-{
-    return t.xx * et.sxx[i][j] + t.yy * et.syy[i][j] + t.zz * et.szz[i][j] + t.xy * et.sxy[i][j] +
-           t.xz * et.sxz[i][j] + t.yz * et.syz[i][j];
-}
 }  // namespace
 
 ElementCoefficients element_coefficients(const Tensor& D, double vx, double vy, double vz, const TransportScheme& s)
@@ -79,13 +74,26 @@ void elmatd(ElementCoefficients& c, const ElementTables& et, double dtinv, doubl
     c.az *= dx * dy / 72.0;
     const double v216 = dx * dy * dz / 216.0;
     const double t = dtinv * v216, d = decay * v216, g = agefx * v216;
+    // two columns at a time, each lane rounded as the scalar formula would round it
+    const double_pair exx = splat(c.e.xx), eyy = splat(c.e.yy), ezz = splat(c.e.zz), exy = splat(c.e.xy),
+                      exz = splat(c.e.xz), eyz = splat(c.e.yz);
+    const double_pair rxx = splat(c.r.xx), ryy = splat(c.r.yy), rzz = splat(c.r.zz), rxy = splat(c.r.xy),
+                      rxz = splat(c.r.xz), ryz = splat(c.r.yz);
+    const double_pair ax = splat(c.ax), ay = splat(c.ay), az = splat(c.az);
+    const double_pair r2 = splat(R), t2 = splat(t), d2 = splat(d), g2 = splat(g);
     for (int i = 1; i <= 8; ++i)
-        for (int j = 1; j <= 8; ++j) {
-            const double sl = table_form(c.e, et, i, j);
-            const double sr = table_form(c.r, et, i, j) + c.ax * et.cx[i][j] + c.ay * et.cy[i][j] + c.az * et.cz[i][j];
-            amat[i][j] = sl / R + t * et.amcons[i][j] + d * et.amcons[i][j];
-            bmat[i][j] = sr / R - t * et.amcons[i][j];
-            cmat[i][j] = g * et.amlump[i][j];
+        for (int j = 1; j <= 7; j += 2) {
+            const double_pair sxx = load_pair(&et.sxx[i][j]), syy = load_pair(&et.syy[i][j]);
+            const double_pair szz = load_pair(&et.szz[i][j]), sxy = load_pair(&et.sxy[i][j]);
+            const double_pair sxz = load_pair(&et.sxz[i][j]), syz = load_pair(&et.syz[i][j]);
+            const double_pair m = load_pair(&et.amcons[i][j]);
+            const double_pair sl = exx * sxx + eyy * syy + ezz * szz + exy * sxy + exz * sxz + eyz * syz;
+            const double_pair sr = rxx * sxx + ryy * syy + rzz * szz + rxy * sxy + rxz * sxz + ryz * syz +
+                                   ax * load_pair(&et.cx[i][j]) + ay * load_pair(&et.cy[i][j]) +
+                                   az * load_pair(&et.cz[i][j]);
+            store_pair(&amat[i][j], sl / r2 + t2 * m + d2 * m);
+            store_pair(&bmat[i][j], sr / r2 - t2 * m);
+            store_pair(&cmat[i][j], g2 * load_pair(&et.amlump[i][j]));
         }
 }
 
@@ -167,5 +175,41 @@ void scatter_transport(int n, const int* nodes, const double* amat, const double
             else
                 rvec[m1] = rvec[m1] - bmat[ij] * w[q];
         }
+    }
+}
+
+void scatter_brick(const int nodes[9], const std::uint8_t* slots, const double amat[9][9], const double bmat[9][9],
+                   const double cmat[9][9], TransportTarget& tt)
+{
+    const int* idir = tt.idir.data();
+    const int* ncum = tt.ncum.data();
+    const int* ia = tt.t.pat.ia.data();
+    const double* w = tt.w.data();
+    double* a = tt.t.a.data();
+    double* b = tt.t.b.data();
+    double* rvec = tt.rvec.data();
+    int eq[9];     // equation of each node, 0 if fixed
+    double wq[9];  // old-level values
+    for (int j = 1; j <= 8; ++j) {
+        const int q = nodes[j];
+        eq[j] = idir[q] == 1 ? 0 : q - ncum[q];
+        wq[j] = w[q];
+    }
+    // each row's b and rvec gather their terms in a register, in the order of the columns
+    for (int i = 1; i <= 8; ++i) {
+        const int m1 = eq[i];
+        if (m1 == 0) continue;
+        const std::uint8_t* ks = slots + (i - 1) * 8 - 1;
+        double bm = b[m1], rv = rvec[m1];
+        for (int j = 1; j <= 8; ++j) {
+            if (eq[j] == 0) {
+                bm -= (amat[i][j] + bmat[i][j]) * wq[j];
+                continue;
+            }
+            if (ks[j] != 0) a[ia[eq[j]] + ks[j] - 1] += amat[i][j];
+            rv = rv + cmat[i][j] - bmat[i][j] * wq[j];
+        }
+        b[m1] = bm;
+        rvec[m1] = rv;
     }
 }

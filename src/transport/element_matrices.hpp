@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <span>
 
 #include "control/options.hpp"
@@ -70,6 +71,11 @@ struct TransportTarget {
     std::span<const double> w;
     std::span<double> rvec;
 };
+
+// The brick scatter with the slots found in advance for this element (64 of them, see
+// ElementPositions): the same additions in the same order as scatter_transport.
+void scatter_brick(const int nodes[9], const std::uint8_t* slots, const double amat[9][9], const double bmat[9][9],
+                   const double cmat[9][9], TransportTarget& tt);
 
 // Adds an element of N nodes: amat into a (lower triangle), a fixed neighbour's old value
 // times amat + bmat into b, and cmat - bmat w into rvec.  cmat may be null (no growth).

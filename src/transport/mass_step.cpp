@@ -3,10 +3,54 @@
 #include "control/limits.hpp"
 #include "element/fracture_geometry.hpp"
 #include "solver/pcg_icc.hpp"
+#include "solver/stream_ahead.hpp"
+
+#include <algorithm>
 
 namespace {
 
 constexpr double tiny_concentration = 1e-50;
+
+// Large grids keep the brick loop waiting on memory: the rows of a that an element adds
+// to lie far apart.  The loads an element needs are started some elements ahead, in
+// three stages so that each stage finds the index it depends on in cache: the node
+// data, then the row starts, then the rows, right-hand sides and rvec.
+constexpr int ahead_rows = 4, ahead_starts = 8, ahead_nodes = 12;  // elements
+
+void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& t20, int e)
+{
+    const int ne = g.net;
+    const int* int8 = g.int8.data();
+    const int* idir = fi.idir.data();
+    const int* ncum = fi.ncum.data();
+    const int* ia = fi.pat.ia.data();
+    if (e + ahead_nodes <= ne) {
+        const int* nd = int8 + (std::size_t)(e + ahead_nodes - 1) * 8;
+        for (int i = 1; i <= 8; ++i) {
+            prefetch(idir + nd[i]);
+            prefetch(ncum + nd[i]);
+            prefetch(t20.data() + nd[i]);
+        }
+    }
+    if (e + ahead_starts <= ne) {
+        const int* nd = int8 + (std::size_t)(e + ahead_starts - 1) * 8;
+        for (int i = 1; i <= 8; ++i)
+            if (idir[nd[i]] != 1) prefetch(ia + nd[i] - ncum[nd[i]]);
+    }
+    if (e + ahead_rows <= ne) {
+        const int* nd = int8 + (std::size_t)(e + ahead_rows - 1) * 8;
+        for (int i = 1; i <= 8; ++i) {
+            if (idir[nd[i]] == 1) continue;
+            const int m = nd[i] - ncum[nd[i]];
+            const int k = ia[m], last = ia[m + 1] - 1;  // a row holds at most 14 entries
+            prefetch(w.a.data() + k);
+            prefetch(w.a.data() + std::min(k + 7, last));
+            prefetch(w.a.data() + last);
+            prefetch(w.b.data() + m);
+            prefetch(w.rvec.data() + m);
+        }
+    }
+}
 
 // The fracture elements: lines along brick edges, planes on brick faces, their nodes
 // taken from the host brick of the flow grid and mapped to the transport grid.
@@ -64,7 +108,9 @@ void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocitie
     int nodes[9];
     double amat[9][9], bmat[9][9];
     double R = 0.0;  // the fractures take the R of the last element
+    const bool fast = mass.epos.ne == g.net && g.net > 0;  // slots found in advance
     for (int e = 1; e <= g.net; ++e) {
+        if (fast) prefetch_brick(g, mass, w, f.t20, e);
         for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
         R = (mp.ret + mp.ret) / 2.0;
         m.co0[e] = R;
@@ -76,8 +122,12 @@ void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocitie
         } else {
             elmatd(c, et, s.dtinv, g.dxe[e], g.dye[e], g.dze[e], R, mp.decay, mp.agefx, amat, bmat, cmat);
         }
-        scatter_transport(8, nodes, &amat[0][0], &bmat[0][0], &cmat[0][0], 9, tt);
+        if (fast)
+            scatter_brick(nodes, &mass.epos.k[(std::size_t)(e - 1) * 64], amat, bmat, cmat, tt);
+        else
+            scatter_transport(8, nodes, &amat[0][0], &bmat[0][0], &cmat[0][0], 9, tt);
     }
+    if (fast) tt.t.k = mass.epos.last_k;
     assemble_fractures(g, m, fr, v, et, mp, R, tt);
 
     // injected water dilutes the node towards its concentration: a third-type term; a

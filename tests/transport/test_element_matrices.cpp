@@ -132,6 +132,31 @@ TEST(ElementMatrices, TablesAgreeWithGaussPointsAndKeepTheirStructure)
         for (int j = 1; j <= 8; ++j) EXPECT_DOUBLE_EQ(cd2[i][j], i == j ? 2.0 * V / 8 : 0.0);
 }
 
+TEST(ElementMatrices, TablesPathRoundsAsThePlainFormula)
+{
+    // the paired evaluation must give every entry the roundings of the formula as written
+    Brick b(0.7, 1.3, 0.45);
+    const double dx = 0.7, dy = 1.3, dz = 0.45, dtinv = 1.0 / 3.3e3, R = 1.37, decay = 2.1e-7, agefx = 0.3;
+    const TransportScheme s = scheme(3.3e3);
+    const Tensor D = dispersion_tensor(Dispersivity{0.9, 0.4, 0.13, 0.07, 1}, 3e-6, -7e-6, 2e-6, 3e-9);
+    ElementCoefficients c = element_coefficients(D, 3e-6, -7e-6, 2e-6, s);
+    double a[9][9], bm[9][9], cm[9][9];
+    elmatd(c, b.et, dtinv, dx, dy, dz, R, decay, agefx, a, bm, cm);  // c is now scaled
+    const ElementTables& et = b.et;
+    const double v = dx * dy * dz / 216.0, t = dtinv * v, d = decay * v, g = agefx * v;
+    for (int i = 1; i <= 8; ++i)
+        for (int j = 1; j <= 8; ++j) {
+            const double sl = c.e.xx * et.sxx[i][j] + c.e.yy * et.syy[i][j] + c.e.zz * et.szz[i][j] +
+                              c.e.xy * et.sxy[i][j] + c.e.xz * et.sxz[i][j] + c.e.yz * et.syz[i][j];
+            const double sr = c.r.xx * et.sxx[i][j] + c.r.yy * et.syy[i][j] + c.r.zz * et.szz[i][j] +
+                              c.r.xy * et.sxy[i][j] + c.r.xz * et.sxz[i][j] + c.r.yz * et.syz[i][j] +
+                              c.ax * et.cx[i][j] + c.ay * et.cy[i][j] + c.az * et.cz[i][j];
+            EXPECT_EQ(a[i][j], sl / R + t * et.amcons[i][j] + d * et.amcons[i][j]) << i << "," << j;
+            EXPECT_EQ(bm[i][j], sr / R - t * et.amcons[i][j]) << i << "," << j;
+            EXPECT_EQ(cm[i][j], g * et.amlump[i][j]) << i << "," << j;
+        }
+}
+
 TEST(ElementMatrices, LineFractureByHand)
 {
     // Df = 2, v = +-1, wf = 1, l = 2, R = 1, dt = 1: dl = (2 + 0.5*1*0.5)/2 = 1.125,

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -178,6 +179,35 @@ TEST(MassStep, FracturesTakeThePorosityOfElementOneAndTheirTransverseDispersivit
     EXPECT_NE(run(1, 0.2, 0.05, 0.3, 0.3), base1);
     EXPECT_EQ(run(3, 0.1, 0.05, 0.2, 0.3), base3);
     EXPECT_NE(run(3, 0.1, 0.05, 0.3, 0.2), base3);
+}
+
+TEST(MassStep, SlotsFoundInAdvanceAssembleBitForBit)
+{
+    // fixed nodes on two faces, fractures, a field with structure: the same a, b, rvec
+    TransportCase c(4, 3, 3, 1.0, 0.5, 2.0, "1 0 0 0 0 1 0\n1 3 1 4 1.0 0\n1 4 1 3 0.5 0\n");
+    c.add_fracture(FractureRecord{1, 4, 2, 2, 1, 3, 2, 3, 1e-3});
+    c.add_fracture(FractureRecord{2, 3, 1, 1, 1, 3, 1, 2, 1e-3});
+    for (int l = 1; l <= c.fr.nfrac; ++l) c.v.vlin[l] = c.v.vx2d[l] = c.v.vy2d[l] = 1e-4 * l;
+    for (int e = 1; e <= c.g.net; ++e) {
+        c.v.vx[e] = 1e-5 * std::sin(e);
+        c.v.vy[e] = -2e-6 * e;
+        c.v.vz[e] = 3e-6 * std::cos(e);
+    }
+    for (int n = 1; n <= c.g.nnt; ++n) c.f.t20[n] = std::sin(0.3 * n);
+    c.mp.agefx = 1e-3;
+    c.mp.scheme.dtinv = 1e-4;
+    c.mp.scheme.dthalf = 5e3;
+    const MassSources src{c.qsrc, c.csrc};
+    assemble_mass(c.g, c.m, c.fr, c.v, c.et, c.mp, src, c.mass, c.f, c.w, c.cmat);
+    const SolverWork fast = c.w;
+    c.mass.epos = ElementPositions{};
+    assemble_mass(c.g, c.m, c.fr, c.v, c.et, c.mp, src, c.mass, c.f, c.w, c.cmat);
+    const auto same_bits = [](const std::vector<double>& x, const std::vector<double>& y) {
+        return x.size() == y.size() && std::memcmp(x.data(), y.data(), x.size() * sizeof(double)) == 0;
+    };
+    EXPECT_TRUE(same_bits(fast.a, c.w.a));
+    EXPECT_TRUE(same_bits(fast.b, c.w.b));
+    EXPECT_TRUE(same_bits(fast.rvec, c.w.rvec));
 }
 
 TEST(MassStep, SourcesDiluteTowardsTheirConcentration)

@@ -44,6 +44,7 @@ struct TransportCase {
             count_fixed(mass);
             build_pattern(Listing{}, g.int8, g.net, 15, mass);
         }
+        element_positions(mass.pat, g.int8, g.net, mass.idir, mass.ncum, 15, mass.epos);
         size_media(m, g, false, lst);
         for (int e = 1; e <= g.net; ++e) {
             m.por[e] = por;
