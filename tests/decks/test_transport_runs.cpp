@@ -1,3 +1,4 @@
+#include "support/closed_forms.hpp"
 #include "support/deck_run.hpp"
 #include "support/small_deck.hpp"
 #include "support/tecplot_check.hpp"
@@ -5,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <sstream>
 
 // Whole runs of the mass and age steps: wiring, the saltwater heads, the Peclet file and
@@ -25,6 +27,22 @@ std::vector<std::vector<double>> rows_of(const std::string& text, int skip)
         rows.push_back(r);
     }
     return rows;
+}
+
+TEST(TransportRuns, SoluteColumnExampleFollowsOgataBanks)
+{
+    std::ifstream in(std::string(GELMOR_SOURCE_DIR) + "/examples/solute_column/gelmor.data");
+    std::ostringstream deck;
+    deck << in.rdbuf();
+    const DeckRun r = run_deck(deck.str());
+    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+    const double v = 1e-5, D = 0.5 * v;
+    for (const auto& [file, days] : {std::pair{"tc3d1_gelmor.out", 20.0}, std::pair{"tc3d2_gelmor.out", 40.0}}) {
+        const auto rows = rows_of(r.dir->read(file), 3);
+        ASSERT_EQ(rows.size(), 804u) << file;
+        for (const auto& row : rows)
+            EXPECT_NEAR(row[4], ogata_banks(row[0], days * 86400.0, v, D), 0.01) << file << " x = " << row[0];
+    }
 }
 
 TEST(TransportRuns, FixedHeadsCarryTheWeightOfTheSaltColumn)

@@ -1,3 +1,4 @@
+#include "support/closed_forms.hpp"
 #include "transport/transport_case.hpp"
 
 #include <gtest/gtest.h>
@@ -8,17 +9,6 @@
 namespace {
 
 constexpr double day = 86400.0;
-
-// Concentration in a semi-infinite column with C0 = 1 held at x = 0 from t = 0
-// (Ogata and Banks 1961), retardation R.
-double ogata_banks(double x, double t, double v, double D, double R)
-{
-    const double s = 2 * std::sqrt(D * R * t);
-    const double a = std::erfc((R * x - v * t) / s);
-    const double e = v * x / D;
-    const double b = e < 700 ? std::exp(e) * std::erfc((R * x + v * t) / s) : 0.0;
-    return 0.5 * (a + b);
-}
 
 // A column of bricks along x, 100 m long, v = 1e-5 m/s, al = 0.5 m, C = 1 held on the
 // face x = 0; the largest error against the closed form at 20 and 40 days (over R).
