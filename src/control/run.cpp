@@ -178,6 +178,8 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     elvol(g.x, g.y, g.z, rs.tables.gauss, g.int8, media.vol, g.net, media.voltot, opt.kint, g.dxe, g.dye, g.dze, lst);
 
     const bool leaky = (opt.kmass == 0 || opt.kmass == 3) && rs.heat.kb[6] == 4;
+    size_forcing(rs.forcing, g.nx, g.nxy);
+    rs.forcing.lleaky = leaky;
     read_surface_records(rd, lst, leaky, deck);
     if (opt.ktair > 0) read_tair(rs.files, lst, rs.aux);
     read_hbdy(rs.files, lst, rs.aux);

@@ -12,6 +12,7 @@
 #include "solver/solver_work.hpp"
 #include "input/deck.hpp"
 #include "output/plot_state.hpp"
+#include "timeloop/forcing.hpp"
 #include "timeloop/sources.hpp"
 #include "timeloop/time_loop.hpp"
 
@@ -36,6 +37,7 @@ struct RunState {
     Fields f;                      // heads, temperatures, concentrations at three levels
     Velocities vel;                // element and fracture pore velocities
     ForcingTables aux;             // tables of the optional input files
+    Forcing forcing;               // top surface state of the step: air, conductance layer, tide
     Sources src;                   // heaters and fluid sources of the interval
     Patches patches;               // surface temperature patches of the interval
     LoopState loop;                // clock and counters of the time loop

@@ -97,5 +97,5 @@ void mass_transport(RunState& rs, const Listing& lst, const Console&)
     lst.line(free_line("mass transport(v2) solution complete at t= ", rs.loop.tdays));
     // fixed heads follow the weight of the new concentrations
     if (rs.deck.gammac > 0)
-        h_adjust(lst, false, rs.loop.htide, rs.deck.gammac, rs.grid, rs.flow, rs.fc0, rs.aux, rs.flow.fc, rs.f);
+        h_adjust(lst, false, rs.forcing.htide, rs.deck.gammac, rs.grid, rs.flow, rs.fc0, rs.aux, rs.flow.fc, rs.f);
 }

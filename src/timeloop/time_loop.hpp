@@ -21,7 +21,6 @@ struct LoopState {
     bool lplot2d = false, lflow = false, lmom = false, lprint3d = false, lpeclet = false, lmovie = false;
     bool can_freeze = false;      // a set, initial or boundary temperature below 0
     double dzmin = 0, dzmax = 0;  // extremes of the pass's column deformation
-    double htide = 0;             // tide level of the step (m), from the surface forcing
 };
 
 // The interval loop: reads each interval's records and steps through it, until an
