@@ -167,6 +167,9 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     // age has no boundary section: every transport node is free, and the pattern is
     // built quietly
     if (opt.lage) build_pattern(Listing{}, g.int8, g.net, g.nbb, rs.mass);
+    // the slots of every brick, for the assembly of the transport steps
+    if (opt.lheat)
+        element_positions(rs.heat.pat, g.int8, g.net, rs.heat.idir, rs.heat.ncum, nb_transport, rs.heat.epos);
     if (opt.lmass || opt.lage)
         element_positions(rs.mass.pat, g.int8, g.net, rs.mass.idir, rs.mass.ncum, nb_transport, rs.mass.epos);
     size_solves(rs);

@@ -6,6 +6,7 @@
 #include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
 #include "output/plot_output.hpp"
+#include "transport/heat_step.hpp"
 #include "transport/mass_step.hpp"
 
 void initial_output(RunState& rs, const Listing&) { initial_plot_output(rs); }
@@ -14,8 +15,6 @@ void update_boundary_heads(RunState&, const Listing&) {}
 bool water_table_converged(RunState&, const Listing&) { return true; }
 void water_table_move(RunState&, const Listing&) {}
 void age_exit_rule(RunState&, const Listing&) {}
-void heat_transport_v1(RunState&, const Listing&, const Console&) {}
-void heat_transport_v2(RunState&, const Listing&, const Console&) {}
 void deformation_update(RunState&, const Listing&) {}
 void node_type_change(RunState&, const Listing&) {}
 void dztot_update(RunState&, const Listing&) {}
@@ -98,4 +97,52 @@ void mass_transport(RunState& rs, const Listing& lst, const Console&)
     // fixed heads follow the weight of the new concentrations
     if (rs.deck.gammac > 0)
         h_adjust(lst, false, rs.forcing.htide, rs.deck.gammac, rs.grid, rs.flow, rs.fc0, rs.aux, rs.flow.fc, rs.f);
+}
+
+namespace {
+HeatParams heat_params(const RunState& rs)
+{
+    const Deck& d = rs.deck;
+    HeatParams hp;
+    hp.kint = rs.opt.kint;
+    hp.lheat = rs.opt.lheat;
+    hp.disp = Dispersivity{d.al, d.alt, d.ath, d.atv, d.idisp};
+    hp.dd = d.dd;
+    hp.decay = d.decay;
+    hp.agefx = d.agefx;
+    hp.medium = d.medium;
+    hp.fracture = d.fracture;
+    hp.tc = ThermalConstants{d.cf, d.pf, d.ci, d.rhoi, d.tclw, d.tcli, d.wlh};
+    derive_thermal_constants(hp.tc);
+    hp.scheme.dtinv = rs.loop.dtinv;
+    hp.scheme.dthalf = rs.loop.dthalf;
+    return hp;
+}
+
+HeatTop heat_top(const RunState& rs)
+{
+    const Forcing& fo = rs.forcing;
+    return HeatTop{fo.lleaky, rs.deck.tcon, fo.rtdiff, fo.tsurf, fo.bz, fo.bzflx, fo.rech, rs.faces.areacol,
+                   rs.flow.idir};
+}
+
+HeatSources heat_sources(const RunState& rs)
+{
+    const Sources& s = rs.src;
+    return HeatSources{s.qsrc, s.tsrc, s.nheat, s.helem, s.hnode, s.fluxin1, s.fluxin2};
+}
+}  // namespace
+
+void heat_transport_v1(RunState& rs, const Listing& lst, const Console&)
+{
+    htran1(rs.grid, rs.media, rs.frac, rs.vel, rs.tables, heat_params(rs), heat_top(rs), heat_sources(rs), rs.heat,
+           rs.f, rs.work, rs.cmat, lst);
+    lst.line(free_line("heat transport(v1) solution complete at t= ", rs.loop.tdays));
+}
+
+void heat_transport_v2(RunState& rs, const Listing& lst, const Console&)
+{
+    htran2(rs.grid, rs.media, rs.frac, rs.vel, rs.tables, heat_params(rs), heat_top(rs), heat_sources(rs), rs.heat,
+           rs.f, rs.work, rs.cmat, lst);
+    lst.line(free_line("heat transport(v2) solution complete at t= ", rs.loop.tdays));
 }

@@ -6,12 +6,13 @@
 #include "solver/entry_pairs.hpp"
 
 namespace {
-// One time level's tensor wd D + wa dthalf v v.  The weights are halves and wholes, so
+// One time level's tensor wd D + wa dthalf cw v v.  The weights are halves and wholes, so
 // the order of the products does not round.
-Tensor level_tensor(const Tensor& D, double vx, double vy, double vz, double wd, double wa, double h)
+Tensor level_tensor(const Tensor& D, double vx, double vy, double vz, double wd, double wa, double h, double cw)
 {
-    return Tensor{wd * D.xx + vx * vx * wa * h, wd * D.yy + vy * vy * wa * h, wd * D.zz + vz * vz * wa * h,
-                  wd * D.xy + vx * vy * wa * h, wd * D.xz + vx * vz * wa * h, wd * D.yz + vy * vz * wa * h};
+    return Tensor{wd * D.xx + vx * vx * cw * wa * h, wd * D.yy + vy * vy * cw * wa * h,
+                  wd * D.zz + vz * vz * cw * wa * h, wd * D.xy + vx * vy * cw * wa * h,
+                  wd * D.xz + vx * vz * cw * wa * h, wd * D.yz + vy * vz * cw * wa * h};
 }
 
 // grad N_i . T . grad N_j at one Gauss point
@@ -23,10 +24,12 @@ inline double gauss_form(const Tensor& t, const double* nx, const double* ny, co
 
 }  // namespace
 
-ElementCoefficients element_coefficients(const Tensor& D, double vx, double vy, double vz, const TransportScheme& s)
+ElementCoefficients element_coefficients(const Tensor& D, double vx, double vy, double vz, const TransportScheme& s,
+                                         double cw)
 {
-    return ElementCoefficients{level_tensor(D, vx, vy, vz, s.wdisp, s.waug, s.dthalf),
-                               level_tensor(D, vx, vy, vz, s.wdisp1, s.waug1, s.dthalf), vx, vy, vz};
+    return ElementCoefficients{level_tensor(D, vx, vy, vz, s.wdisp, s.waug, s.dthalf, cw),
+                               level_tensor(D, vx, vy, vz, s.wdisp1, s.waug1, s.dthalf, cw), vx * cw, vy * cw,
+                               vz * cw};
 }
 
 void elmatn(const ElementCoefficients& c, double dtinv, std::span<const double> x, std::span<const double> y,
@@ -97,46 +100,43 @@ void elmatd(ElementCoefficients& c, const ElementTables& et, double dtinv, doubl
         }
 }
 
-void line_fracture_matrices(double Df, double vf, double wf, double len, double R, double decay,
-                            const TransportScheme& s, double amat[3][3], double bmat[3][3])
+void line_dispersion(double Df, double vf, double wf, double len, const TransportScheme& s, LineTerms& t)
 {
-    const double dl = (s.wdisp * Df + s.waug * vf * vf * s.dthalf) * wf / len;
-    const double dr = (s.wdisp1 * Df + s.waug1 * vf * vf * s.dthalf) * wf / len;
-    const double adv = vf * wf / 2.0;
-    // the mass stands on every entry of amat but on the diagonal of bmat only, and the
-    // decay is neither halved nor retarded: a line keeps these as its own weights
-    const double m = len * wf * s.dtinv / (2.0 * R);
-    const double lam = decay * len * wf;
-    amat[1][1] = amat[2][2] = dl / R + m + lam;
-    amat[1][2] = amat[2][1] = -dl / R + m + lam;
-    bmat[1][1] = (dr - adv) / R - m;
-    bmat[2][2] = (dr + adv) / R - m;
-    bmat[1][2] = -(dr - adv) / R;
-    bmat[2][1] = -(dr + adv) / R;
+    t.dl = (s.wdisp * Df + s.waug * vf * vf * s.dthalf) * wf / len;
+    t.dr = (s.wdisp1 * Df + s.waug1 * vf * vf * s.dthalf) * wf / len;
 }
 
-void plane_fracture_matrices(const PlaneFracture& pf, double al, double at, double dd, double R, double decay,
-                             double agefx, const TransportScheme& s, const ElementTables& et, double amat[5][5],
-                             double bmat[5][5], double cmat[5][5])
+void line_fracture_matrices(const LineTerms& t, double R, double amat[3][3], double bmat[3][3])
 {
-    const double u = pf.vx2d, v = pf.vy2d, wf = pf.wf;
+    amat[1][1] = amat[2][2] = t.dl / R + t.m + t.lam;
+    amat[1][2] = amat[2][1] = -t.dl / R + t.m + t.lam;
+    bmat[1][1] = (t.dr - t.adv) / R - t.m;
+    bmat[2][2] = (t.dr + t.adv) / R - t.m;
+    bmat[1][2] = -(t.dr - t.adv) / R;
+    bmat[2][1] = -(t.dr + t.adv) / R;
+}
+
+void plane_fracture_matrices(const PlaneFracture& pf, const PlaneCoefficients& pc, const TransportScheme& s,
+                             const ElementTables& et, double amat[5][5], double bmat[5][5], double cmat[5][5])
+{
+    const double u = pf.vx2d, v = pf.vy2d, wf = pf.wf, al = pc.al, at = pc.at, cap = pc.cap, R = pc.R;
     const double vm = std::sqrt(u * u + v * v);
-    double d11 = dd, d22 = dd, d12 = 0.0;  // a still plane: diffusion alone
+    double d11 = pc.dd, d22 = pc.dd, d12 = 0.0;  // a still plane: diffusion alone
     if (vm != 0.0) {
-        d11 = (al * u * u + at * v * v) / vm + dd;
-        d22 = (al * v * v + at * u * u) / vm + dd;
+        d11 = (al * u * u + at * v * v) / vm + pc.dd;
+        d22 = (al * v * v + at * u * u) / vm + pc.dd;
         d12 = (al - at) * u * v / vm;
     }
-    const double e11 = (s.wdisp * d11 + s.waug * s.dthalf * u * u) * wf * pf.asp / 6.0;
-    const double e22 = (s.wdisp * d22 + s.waug * s.dthalf * v * v) * wf / (6.0 * pf.asp);
-    const double e12 = (s.wdisp * d12 + s.waug * s.dthalf * u * v) * wf / 2.0;
-    const double r11 = (s.wdisp1 * d11 + s.waug1 * s.dthalf * u * u) * wf * pf.asp / 6.0;
-    const double r22 = (s.wdisp1 * d22 + s.waug1 * s.dthalf * v * v) * wf / (6.0 * pf.asp);
-    const double r12 = (s.wdisp1 * d12 + s.waug1 * s.dthalf * u * v) * wf / 2.0;
-    const double a1 = u * pf.l2 * wf / 12.0, a2 = v * pf.l1 * wf / 12.0;
-    const double m = s.dtinv * wf * pf.area / (36.0 * R);
-    const double lam = decay * wf * pf.area / 36.0;
-    const double g = agefx * wf * pf.area / 36.0;
+    const double e11 = (s.wdisp * d11 + s.waug * s.dthalf * u * u) * cap * wf * pf.asp / 6.0;
+    const double e22 = (s.wdisp * d22 + s.waug * s.dthalf * v * v) * cap * wf / (6.0 * pf.asp);
+    const double e12 = (s.wdisp * d12 + s.waug * s.dthalf * u * v) * cap * wf / 2.0;
+    const double r11 = (s.wdisp1 * d11 + s.waug1 * s.dthalf * u * u) * cap * wf * pf.asp / 6.0;
+    const double r22 = (s.wdisp1 * d22 + s.waug1 * s.dthalf * v * v) * cap * wf / (6.0 * pf.asp);
+    const double r12 = (s.wdisp1 * d12 + s.waug1 * s.dthalf * u * v) * cap * wf / 2.0;
+    const double a1 = u * pf.l2 * cap * wf / 12.0, a2 = v * pf.l1 * cap * wf / 12.0;
+    const double m = pc.storage * s.dtinv * wf * pf.area / (36.0 * R);
+    const double lam = pc.decay * wf * pf.area / 36.0;
+    const double g = pc.agefx * wf * pf.area / 36.0;
     for (int i = 1; i <= 4; ++i)
         for (int j = 1; j <= 4; ++j) {
             amat[i][j] = (e11 * et.fxx[i][j] + e22 * et.fyy[i][j] + e12 * et.fxy[i][j]) / R + m * et.fm[i][j] +

@@ -30,8 +30,10 @@ struct ElementCoefficients {
     double ax, ay, az;
 };
 
-// EL = wdisp D + waug dthalf v v, ER = wdisp1 D + waug1 dthalf v v, a = v.
-ElementCoefficients element_coefficients(const Tensor& D, double vx, double vy, double vz, const TransportScheme& s);
+// EL = wdisp D + waug dthalf cw v v, ER = wdisp1 D + waug1 dthalf cw v v, a = cw v: cw is
+// 1 per unit of pore fluid, the heat capacity of the liquid water in heat units.
+ElementCoefficients element_coefficients(const Tensor& D, double vx, double vy, double vz, const TransportScheme& s,
+                                         double cw = 1.0);
 
 // Element matrices by the 2x2x2 Gauss rule (kint 1): no decay, no growth, cmat untouched.
 void elmatn(const ElementCoefficients& c, double dtinv,                                   //
@@ -45,10 +47,18 @@ void elmatd(ElementCoefficients& c, const ElementTables& et, double dtinv,      
             double dx, double dy, double dz, double R, double decay, double agefx,       //
             double amat[9][9], double bmat[9][9], double cmat[9][9]);                     // out
 
-// A line fracture along an edge of length len: coefficient Df, signed velocity vf along
-// the edge from node 1 to node 2, scale wf (cross-section over the porosity).
-void line_fracture_matrices(double Df, double vf, double wf, double len, double R, double decay,
-                            const TransportScheme& s, double amat[3][3], double bmat[3][3]);
+// The terms of a line fracture element of length len along an edge: dl and dr the
+// dispersion of both levels over the length, adv the advection, m the storage, lam the decay.
+struct LineTerms {
+    double dl = 0, dr = 0, adv = 0, m = 0, lam = 0;
+};
+// dl and dr from the coefficient Df and the signed velocity vf along the edge (node 1 to
+// node 2), scale wf (cross-section over the porosity); the augmentation carries no capacity.
+void line_dispersion(double Df, double vf, double wf, double len, const TransportScheme& s, LineTerms& t);
+// The 2x2 matrices; R divides dispersion and advection.  The storage stands on every
+// entry of amat but on the diagonal of bmat only, and the decay is neither halved nor
+// retarded: a line keeps these as its own weights.
+void line_fracture_matrices(const LineTerms& t, double R, double amat[3][3], double bmat[3][3]);
 
 // The geometry and flow of a plane fracture element: in-plane velocities along the sides
 // l1 and l2, asp = l2/l1, area = l1 l2.
@@ -58,10 +68,16 @@ struct PlaneFracture {
     double wf = 0;  // cross-section scale
 };
 // al and at are the longitudinal and transverse dispersivities of the plane, dd the
-// diffusion; decay on amat, growth agefx into cmat.
-void plane_fracture_matrices(const PlaneFracture& pf, double al, double at, double dd, double R, double decay,
-                             double agefx, const TransportScheme& s, const ElementTables& et, double amat[5][5],
-                             double bmat[5][5], double cmat[5][5]);
+// diffusion.  cap multiplies dispersion and advection and storage the mass term (both 1
+// per unit of pore fluid; heat capacities in heat units); R divides all but the mass
+// term's own 1/R and the decay; growth agefx fills cmat.
+struct PlaneCoefficients {
+    double al = 0, at = 0, dd = 0;
+    double cap = 1, storage = 1, R = 1;
+    double decay = 0, agefx = 0;
+};
+void plane_fracture_matrices(const PlaneFracture& pf, const PlaneCoefficients& pc, const TransportScheme& s,
+                             const ElementTables& et, double amat[5][5], double bmat[5][5], double cmat[5][5]);
 
 // The field values the scatter reads: w is the old time level, held by a fixed node at
 // both levels; rvec gathers the old-level products and the growth, by equation.

@@ -5,14 +5,20 @@
 
 // Headers, zone lines and first rows of the result files of the small deck, as text.
 // The deck: 4 x 2 x 3 nodes of unit spacing, T = 8, 6.5, 5 C at z = 0, 1, 2 (Wu = 1 above
-// 0 C), C = 0, heads 10 m with 10 and 9 m fixed on the two x faces; two steps of a day,
-// every plot each step, print times 1 and 2 days; sections knox 2, knoy 1, knoz 3.
+// 0 C) and not transported (kmass 1), C = 0, heads 10 m with 10 and 9 m fixed on the two
+// x faces; two steps of a day, every plot each step, print times 1 and 2 days; sections
+// knox 2, knoy 1, knoz 3.
 
 namespace {
 
 const DeckRun& small_run()
 {
-    static const DeckRun r = run_deck(small_deck({{"[knox]", "2 0 0 0 0"}}));
+    // kmass 1: temperatures stay at their initial profile
+    static const DeckRun r = run_deck(small_deck({{"[knox]", "2 0 0 0 0"},
+                                                  {"[options]", "0 0 0 0 0 0 1 1 0 0 0 1 0 0"},
+                                                  {"[heat kb]", ""},
+                                                  {"[heat bottom]", ""},
+                                                  {"[heat top]", ""}}));
     return r;
 }
 
@@ -134,9 +140,9 @@ TEST(PlotFiles, HeadersZonesAndRows)
     EXPECT_EQ(lines_of("tc3d1_gelmor.out").size(), 3u + 24u);
     EXPECT_EQ(lines_of("gelmor_Pe_Co_xz.plt").size(), 2u + 6u);  // the first step of the interval only
     EXPECT_EQ(small_run().dir->read("tc3d3_gelmor.out"), "");
-    // element 1 at the mean of 8 and 6.5 C: K = 1e-5 / rvisc_w(7.25) = 1.241032e-5 m/s
+    // no heat transported, so no viscosity: K(T).kr = K = 1e-5 m/s
     EXPECT_EQ(lines_of("k.plt").at(3).substr(0, 96), "   0.0000000E+00   0.0000000E+00   0.1000000E-04   "
-                                                     "0.1241032E-04  -0.4906217E+01   0.3000000E+00");
+                                                     "0.1000000E-04  -0.5000000E+01   0.3000000E+00");
     // centre of the top element of stack 1, its index; T of the top element 5.75 C
     const std::string top = lines_of("heatfluxtop.plt").at(3);
     EXPECT_EQ(top.substr(0, 30), "  0.5000E+00  0.5000E+00     1");

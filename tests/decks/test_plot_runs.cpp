@@ -124,7 +124,7 @@ double largest_difference(const std::string& a, const std::string& b, int c0, in
 // A slow transient (large storage) so that the state at 2 days still matters at 4.
 std::string restart_deck(int kgo, const char* interval)
 {
-    return small_deck({{"[options]", "0 0 0 0 0 " + std::to_string(kgo) + " 1 3 0 0 0 2 0 0"},
+    return small_deck({{"[options]", "0 0 0 0 0 " + std::to_string(kgo) + " 1 3 0 0 0 1 0 0"},
                        {"[ss]", "0.5"},
                        {"[print times]", "2.0 4.0 0.0 0.0 0.0"},
                        {"[T1]", interval}});

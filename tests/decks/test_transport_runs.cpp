@@ -101,6 +101,7 @@ TEST(TransportRuns, AgeRunHasNoMassBoundarySection)
     // still water grows by agefx dt a step everywhere
     const DeckRun r = run_deck(small_deck({{"[options]", "0 2 0 0 0 0 1 2 0 0 0 2 0 0"},
                                            {"[heat kb]", ""},
+                                           {"[heat bottom]", ""},
                                            {"[heat top]", ""},
                                            {"[mass kb]", ""},
                                            {"[cinit]", ""},
@@ -118,11 +119,12 @@ TEST(TransportRuns, AgeRunHasNoMassBoundarySection)
 
 TEST(TransportRuns, RetardationOfZeroIsRefused)
 {
-    for (const char* opts : {"0 0 0 0 0 0 1 3 0 0 0 2 0 0", "0 0 0 0 0 0 1 1 0 0 0 2 0 0"}) {
+    for (const char* opts : {"0 0 0 0 0 0 1 3 0 0 0 1 0 0", "0 0 0 0 0 0 1 1 0 0 0 1 0 0"}) {
         std::vector<std::pair<std::string, std::string>> rep = {{"[options]", opts},
                                                                 {"[disp]", "1.0 0.1 0.1 0.01 1.0e-9 0.0 0.0 0.0 0"}};
         if (opts[14] == '1') {
             rep.push_back({"[heat kb]", ""});
+            rep.push_back({"[heat bottom]", ""});
             rep.push_back({"[heat top]", ""});
         }
         const DeckRun r = run_deck(small_deck(rep));

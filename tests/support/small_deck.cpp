@@ -6,7 +6,7 @@ namespace {
 const char* const base_deck = R"(small test deck
 three bricks in a row
 heat and mass
-0 0 0 0 0 0 1 3 0 0 0 2 0 0   [options]
+0 0 0 0 0 0 1 3 0 0 0 1 0 0   [options]
 1 1 1                         [ngx]
 3.0                           [xg]
 1.0                           [yg]
@@ -24,7 +24,8 @@ heat and mass
 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 [blocks]
 1.0e-4                        [ss]
 0 10.0                        [init]
-0 0 0 0 0 1 0                 [heat kb]
+0 0 0 0 1 1 0                 [heat kb]
+1 4 1 2 8.0 0                 [heat bottom]
 1 4 1 2 5.0 0                 [heat top]
 0 0 0 0 0 0 0                 [mass kb]
 2.0 0.3 1.0                   [tcon]

@@ -162,8 +162,14 @@ TEST(ElementMatrices, LineFractureByHand)
     // Df = 2, v = +-1, wf = 1, l = 2, R = 1, dt = 1: dl = (2 + 0.5*1*0.5)/2 = 1.125,
     // dr = (0.5*1*0.5)/2 = 0.125, adv = 0.5, m = 2/2 = 1
     const TransportScheme s = scheme(1.0);
+    LineTerms t;
+    line_dispersion(2.0, 1.0, 1.0, 2.0, s, t);
+    EXPECT_DOUBLE_EQ(t.dl, 1.125);
+    EXPECT_DOUBLE_EQ(t.dr, 0.125);
+    t.adv = 0.5;
+    t.m = 1.0;
     double a[3][3], b[3][3];
-    line_fracture_matrices(2.0, 1.0, 1.0, 2.0, 1.0, 0.0, s, a, b);
+    line_fracture_matrices(t, 1.0, a, b);
     EXPECT_DOUBLE_EQ(a[1][1], 2.125);
     EXPECT_DOUBLE_EQ(a[2][2], 2.125);
     EXPECT_DOUBLE_EQ(a[1][2], -0.125);  // the mass stands off the diagonal of amat too
@@ -172,8 +178,11 @@ TEST(ElementMatrices, LineFractureByHand)
     EXPECT_DOUBLE_EQ(b[2][2], -0.375);
     EXPECT_DOUBLE_EQ(b[1][2], 0.375);
     EXPECT_DOUBLE_EQ(b[2][1], -0.625);
-    // flow from node 2 to node 1 mirrors the advection; R divides all but the decay
-    line_fracture_matrices(2.0, -1.0, 1.0, 2.0, 2.0, 0.25, s, a, b);
+    // flow from node 2 to node 1 mirrors the advection; R divides all but storage and decay
+    t.adv = -0.5;
+    t.m = 0.5;
+    t.lam = 0.5;
+    line_fracture_matrices(t, 2.0, a, b);
     EXPECT_DOUBLE_EQ(a[1][1], 1.125 / 2 + 0.5 + 0.5);
     EXPECT_DOUBLE_EQ(a[1][2], -1.125 / 2 + 0.5 + 0.5);
     EXPECT_DOUBLE_EQ(b[1][1], (0.125 + 0.5) / 2 - 0.5);
@@ -218,7 +227,7 @@ TEST(ElementMatrices, PlaneFractureMatchesTheIntegrals)
     PlaneFracture pf{3e-3, -1e-3, l1, l2, l2 / l1, l1 * l2, 0.4};
     const TransportScheme s = scheme(dt);
     double a[5][5], b[5][5], c[5][5];
-    plane_fracture_matrices(pf, al, at, dd, R, decay, 0.5, s, et, a, b, c);
+    plane_fracture_matrices(pf, PlaneCoefficients{al, at, dd, 1.0, 1.0, R, decay, 0.5}, s, et, a, b, c);
 
     const double u = pf.vx2d, v = pf.vy2d, vm = std::hypot(u, v);
     const double d11 = (al * u * u + at * v * v) / vm + dd, d22 = (al * v * v + at * u * u) / vm + dd;

@@ -1,0 +1,110 @@
+#include "transport/system.hpp"
+
+#include "control/limits.hpp"
+#include "element/fracture_geometry.hpp"
+#include "solver/pcg_icc.hpp"
+#include "solver/stream_ahead.hpp"
+
+#include <algorithm>
+
+namespace {
+constexpr double tiny_value = 1e-50;
+
+// The rows of a that an element adds to lie far apart, so the loads an element needs are
+// started some elements ahead, in three stages so that each stage finds the index it
+// depends on in cache: the node data, then the row starts, then the rows, right-hand
+// sides and rvec.
+constexpr int ahead_rows = 4, ahead_starts = 8, ahead_nodes = 12;  // elements
+}  // namespace
+
+void start_transport_system(int nnt, const FieldIndex& fi, SolverWork& w)
+{
+    for (int i = 1; i <= nnt; ++i) w.rvec[i] = 0.0;
+    fill_rhs(nnt, fi.idir, fi.ncum, fi.qnode, w.b);
+    clear_values(fi.pat, w.a);
+}
+
+void solve_transport_system(int nnt, const FieldIndex& fi, SolverWork& w, std::vector<double>& u, bool clip,
+                            const Listing& lst, int* steps)
+{
+    for (int k = 1; k <= fi.neq; ++k) w.b[k] += w.rvec[k];
+    // u itself, in node numbering, is the start vector
+    icc::pcg(w.a, fi.pat, w.b, u, w.work, max_work, 1, lst, steps);
+    const int* idir = fi.idir.data();
+    const int* ncum = fi.ncum.data();
+    double* uv = u.data();
+    for (int i = nnt; i >= 1; --i) {
+        if (idir[i] == 1) {
+            uv[i] = fi.fc[i];
+            continue;
+        }
+        const int k = i - ncum[i];
+        if (clip && uv[k] < tiny_value) uv[k] = 0.0;  // negative values too
+        uv[i] = uv[k];
+    }
+}
+
+void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old, int e)
+{
+    const int ne = g.net;
+    const int* int8 = g.int8.data();
+    const int* idir = fi.idir.data();
+    const int* ncum = fi.ncum.data();
+    const int* ia = fi.pat.ia.data();
+    if (e + ahead_nodes <= ne) {
+        const int* nd = int8 + (std::size_t)(e + ahead_nodes - 1) * 8;
+        for (int i = 1; i <= 8; ++i) {
+            prefetch(idir + nd[i]);
+            prefetch(ncum + nd[i]);
+            prefetch(old.data() + nd[i]);
+        }
+    }
+    if (e + ahead_starts <= ne) {
+        const int* nd = int8 + (std::size_t)(e + ahead_starts - 1) * 8;
+        for (int i = 1; i <= 8; ++i)
+            if (idir[nd[i]] != 1) prefetch(ia + nd[i] - ncum[nd[i]]);
+    }
+    if (e + ahead_rows <= ne) {
+        const int* nd = int8 + (std::size_t)(e + ahead_rows - 1) * 8;
+        for (int i = 1; i <= 8; ++i) {
+            if (idir[nd[i]] == 1) continue;
+            const int m = nd[i] - ncum[nd[i]];
+            const int k = ia[m], last = ia[m + 1] - 1;  // a row holds at most 14 entries
+            prefetch(w.a.data() + k);
+            prefetch(w.a.data() + std::min(k + 7, last));
+            prefetch(w.a.data() + last);
+            prefetch(w.b.data() + m);
+            prefetch(w.rvec.data() + m);
+        }
+    }
+}
+
+bool line_fracture_nodes(const Grid& g, const Fractures& fr, int l, int tn[3], double& len)
+{
+    int fn[3] = {0, 0, 0};
+    edgegeo(fr.lvert, fn, g.in, l, fr.ifracl[l], len, g.dxe, g.dye, g.dze);
+    if (fn[1] == 0) return false;
+    tn[1] = g.nmap[fn[1]];
+    tn[2] = g.nmap[fn[2]];
+    return true;
+}
+
+bool plane_fracture_nodes(const Grid& g, const Fractures& fr, const Velocities& v, int l, int tn[5],
+                          PlaneFracture& pf)
+{
+    int fn[5] = {0, 0, 0, 0, 0};
+    facegeo(fr.lvert, fn, g.in, l, fr.ifracl[l], pf.l1, pf.l2, g.dxe, g.dye, g.dze, pf.asp, pf.area);
+    if (fn[1] == 0) return false;
+    for (int k = 1; k <= 4; ++k) tn[k] = g.nmap[fn[k]];
+    pf.vx2d = v.vx2d[l];
+    pf.vy2d = v.vy2d[l];
+    return true;
+}
+
+void add_nodal_term(const FieldIndex& fi, int n, double s, double value, SolverWork& w)
+{
+    const int k = n - fi.ncum[n];
+    if (k < 1) return;
+    w.b[k] += value * s;
+    w.a[fi.pat.ia[k]] += s;
+}

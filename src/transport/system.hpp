@@ -1,0 +1,80 @@
+#pragma once
+#include <span>
+#include <vector>
+
+#include "control/listing.hpp"
+#include "element/tables.hpp"
+#include "flow/field_index.hpp"
+#include "flow/velocities.hpp"
+#include "grid/fractures.hpp"
+#include "grid/grid.hpp"
+#include "solver/solver_work.hpp"
+#include "transport/element_matrices.hpp"
+
+// The frame every transport step shares: clearing the system, the brick loop with its
+// scatter, the fracture geometry, and the solve with the restore of the nodal field.
+// The steps differ only in the coefficients they hand to it.
+
+// rvec := 0 over 1..nnt, b from the field's qnode, a := 0 over the pattern.
+void start_transport_system(int nnt, const FieldIndex& fi, SolverWork& w);
+
+// b += rvec over the equations, the ICC pcg from u (in node numbering) as start vector,
+// then u restored to nodes: fixed nodes take fc; with `clip` a value below 1e-50 is set to
+// 0, in the equation's slot too.  `steps`, when given, receives the pcg step count.
+void solve_transport_system(int nnt, const FieldIndex& fi, SolverWork& w, std::vector<double>& u, bool clip,
+                            const Listing& lst, int* steps = nullptr);
+
+// What the brick loop needs of one element: its 15 coefficients, R and the 1/dt that
+// multiplies its mass matrix (a heat capacity times 1/dt in heat units).
+struct BrickTerms {
+    ElementCoefficients c;
+    double R = 1;
+    double dtinv = 0;
+};
+
+// Starts the loads of element e + a few ahead (large grids wait on memory otherwise).
+void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old, int e);
+
+// Assembles every brick of the transport grid: terms(e) gives its coefficients, then the
+// Gauss path (kint 1) or the tables path (kint 0, with decay and growth into cmat) forms
+// the matrices and they are scattered with the old-level field `old`.  Any other kint
+// leaves the matrices of the element before.  Returns the R of the last element.
+template <class Terms>
+double assemble_bricks(const Grid& g, const ElementTables& et, int kint, double decay, double agefx,
+                       const FieldIndex& fi, const std::vector<double>& old, SolverWork& w, double cmat[9][9],
+                       TransportTarget& tt, Terms&& terms)
+{
+    int nodes[9];
+    double amat[9][9] = {}, bmat[9][9] = {};
+    double R = 0.0;
+    const bool fast = fi.epos.ne == g.net && g.net > 0;  // slots found in advance
+    for (int e = 1; e <= g.net; ++e) {
+        if (fast) prefetch_brick(g, fi, w, old, e);
+        for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
+        BrickTerms bt = terms(e);
+        R = bt.R;
+        if (kint == 1)
+            elmatn(bt.c, bt.dtinv, g.x, g.y, g.z, nodes, amat, bmat, R, et.gauss);
+        else if (kint == 0)
+            elmatd(bt.c, et, bt.dtinv, g.dxe[e], g.dye[e], g.dze[e], R, decay, agefx, amat, bmat, cmat);
+        if (fast)
+            scatter_brick(nodes, &fi.epos.k[(std::size_t)(e - 1) * 64], amat, bmat, cmat, tt);
+        else
+            scatter_transport(8, nodes, &amat[0][0], &bmat[0][0], &cmat[0][0], 9, tt);
+    }
+    if (fast) tt.t.k = fi.epos.last_k;
+    return R;
+}
+
+// The two transport nodes and the length of line fracture l; false if its code places
+// it nowhere.
+bool line_fracture_nodes(const Grid& g, const Fractures& fr, int l, int tn[3], double& len);
+// The four transport nodes and the geometry of plane fracture l, with its in-plane
+// velocities; false if its code places it nowhere.
+bool plane_fracture_nodes(const Grid& g, const Fractures& fr, const Velocities& v, int l, int tn[5],
+                          PlaneFracture& pf);
+
+// Third-type terms on a node: s on the diagonal of the equation of node n and s*value
+// in its right-hand side.  At a fixed node the slot n - ncum(n) is the equation of the
+// free node below it, as the numbering gives; with no free node below, nothing.
+void add_nodal_term(const FieldIndex& fi, int n, double s, double value, SolverWork& w);
