@@ -4,6 +4,8 @@
 #include "timeloop/sources.hpp"
 #include "transport/heat_step.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <sstream>
 #include <string>
 
@@ -86,6 +88,31 @@ struct HeatCase {
             htran1(g, m, fr, v, et, hp, top, src, heat, f, w, cmat, lst);
         else
             htran2(g, m, fr, v, et, hp, top, src, heat, f, w, cmat, lst);
+    }
+
+    // One step of length dt with passes until the largest change of a pass is below tol
+    // (at most maxpass): the capacities follow the last pass's temperatures.
+    int step_passes(int version, double dt, double tol, int maxpass)
+    {
+        const std::vector<double> start = f.t1;
+        int pass = 0;
+        for (double change = 2 * tol; change > tol && pass < maxpass; ++pass) {
+            const std::vector<double> last = f.t1;
+            hp.scheme.dtinv = 1.0 / dt;
+            hp.scheme.dthalf = 0.5 * dt;
+            f.t10 = start;
+            f.t1i = last;
+            const Sources& s = heaters;
+            const HeatSources src{qsrc, tsrc, s.nheat, s.helem, s.hnode, s.fluxin1, s.fluxin2};
+            const HeatTop top{lleaky, tcon, rtdiff, tsurf, bz, bzflx, rech, fs.areacol, flow_idir};
+            if (version == 1)
+                htran1(g, m, fr, v, et, hp, top, src, heat, f, w, cmat, lst);
+            else
+                htran2(g, m, fr, v, et, hp, top, src, heat, f, w, cmat, lst);
+            change = 0;
+            for (int n = 1; n <= g.nnt; ++n) change = std::max(change, std::fabs(f.t1[n] - last[n]));
+        }
+        return pass;
     }
 
     double at(int i, int j, int k) const { return f.t1[grid_node(i, j, k, g.ny, g.nzt)]; }
