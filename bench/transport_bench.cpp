@@ -2,6 +2,7 @@
 // three-dimensional velocity field that varies from element to element.  Assembly is
 // timed alone (both element paths) and with the ICC solve; a DRAM triad of 256 MiB
 // arrays, run in the same process, is the reference for the machine's state.
+#include "transport/heat_case.hpp"
 #include "transport/transport_case.hpp"
 
 #include <benchmark/benchmark.h>
@@ -14,16 +15,22 @@
 
 namespace {
 
+// A velocity field of scale v along x that varies from element to element.
+void vary_velocities(Velocities& vel, int net, double v)
+{
+    for (int e = 1; e <= net; ++e) {
+        vel.vx[e] = v * (1.0 + 0.3 * std::sin(0.1 * e));
+        vel.vy[e] = 0.2 * v * std::cos(0.07 * e);
+        vel.vz[e] = -0.1 * v * std::sin(0.05 * e);
+    }
+}
+
 std::unique_ptr<TransportCase> make_case(int n, int kint)
 {
     const std::string N = std::to_string(n);
     auto c = std::make_unique<TransportCase>(n - 1, n - 1, n - 1, 1.0, 1.0, 1.0,
                                              "1 0 0 0 0 0 0\n1 " + N + " 1 " + N + " 1.0 0\n");
-    for (int e = 1; e <= c->g.net; ++e) {
-        c->v.vx[e] = 1e-5 * (1.0 + 0.3 * std::sin(0.1 * e));
-        c->v.vy[e] = 2e-6 * std::cos(0.07 * e);
-        c->v.vz[e] = -1e-6 * std::sin(0.05 * e);
-    }
+    vary_velocities(c->v, c->g.net, 1e-5);
     c->mp.kint = kint;
     c->mp.disp = Dispersivity{1.0, 0.5, 0.1, 0.01, 0};
     c->mp.dd = 1e-9;
@@ -81,6 +88,69 @@ void BM_mtran(benchmark::State& state)
     report_memory(state);
 }
 BENCHMARK(BM_mtran)->Arg(50)->Arg(100)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+std::unique_ptr<HeatCase> make_heat_case(int n, int kint)
+{
+    const std::string N = std::to_string(n);
+    auto c = std::make_unique<HeatCase>(n - 1, n - 1, n - 1, 1.0, 1.0, 1.0,
+                                        "0 0 0 0 0 1 0\n1 " + N + " 1 " + N + " -2.0 0\n");
+    vary_velocities(c->v, c->g.net, 1e-6);
+    c->hp.kint = kint;
+    c->hp.lheat = true;
+    c->hp.medium = FreezeParams{0.05, 1.0, -1.0, 1.0, 1, 1};
+    c->hp.disp = Dispersivity{1.0, 0.5, 0.1, 0.01, 0};
+    c->hp.scheme.dtinv = 1.0 / 86400.0;
+    c->hp.scheme.dthalf = 43200.0;
+    c->fill(4.0);
+    return c;
+}
+
+// Assembly of a heat step, formulation range(1), kint range(2), freezing at the top.
+void BM_heat_assembly(benchmark::State& state)
+{
+    auto c = make_heat_case((int)state.range(0), (int)state.range(2));
+    const int version = (int)state.range(1);
+    const HeatSources src{c->qsrc, c->tsrc, 0, {}, {}, {}, {}};
+    const HeatTop top{false, 0, 0, c->tsurf, c->bz, c->bzflx, c->rech, c->fs.areacol, c->flow_idir};
+    double ns = 0;
+    for (auto _ : state) {
+        const auto t0 = std::chrono::steady_clock::now();
+        assemble_heat(version, c->g, c->m, c->fr, c->v, c->et, c->hp, top, src, c->heat, c->f, c->w, c->cmat, c->lst);
+        benchmark::DoNotOptimize(c->w.a.data());
+        ns += std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - t0).count();
+    }
+    state.counters["ns_per_element"] = ns / ((double)c->g.net * (double)state.iterations());
+    report_memory(state);
+}
+BENCHMARK(BM_heat_assembly)
+    ->Args({100, 1, 0})
+    ->Args({100, 2, 0})
+    ->Args({100, 1, 1})
+    ->Unit(benchmark::kMillisecond)
+    ->Repetitions(3);
+
+void BM_heat_step(benchmark::State& state)
+{
+    auto c = make_heat_case((int)state.range(0), 0);
+    const int version = (int)state.range(1);
+    const HeatSources src{c->qsrc, c->tsrc, 0, {}, {}, {}, {}};
+    const HeatTop top{false, 0, 0, c->tsurf, c->bz, c->bzflx, c->rech, c->fs.areacol, c->flow_idir};
+    int steps = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        c->fill(4.0);  // the same solve every time
+        c->out.str("");
+        state.ResumeTiming();
+        if (version == 1)
+            htran1(c->g, c->m, c->fr, c->v, c->et, c->hp, top, src, c->heat, c->f, c->w, c->cmat, c->lst, &steps);
+        else
+            htran2(c->g, c->m, c->fr, c->v, c->et, c->hp, top, src, c->heat, c->f, c->w, c->cmat, c->lst, &steps);
+        benchmark::DoNotOptimize(c->f.t1.data());
+    }
+    state.counters["pcg_steps"] = steps;
+    report_memory(state);
+}
+BENCHMARK(BM_heat_step)->Args({100, 1})->Args({100, 2})->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // a(i) = b(i) + s c(i) over three arrays of 256 MiB each: bytes moved per second
 void BM_Triad(benchmark::State& state)

@@ -183,22 +183,20 @@ void write_hflux_xl(std::ostream& os, const PlotContext& c, const PlotOutputs& p
     end_rows(r);
 }
 
-// Co at the node temperature with the properties of the element above the node, and
-// that element's bulk conductivity: the two coefficients of the heat step along a row.
+// The apparent heat capacity of the last pass and the bulk conductivity of the element
+// above each node of a row: the two coefficients of the heat step.
 void write_debug_1dx(std::ostream& os, const PlotContext& c, std::string& b)
 {
     const Grid& g = c.g;
     const Deck& d = c.d;
     const int iy = d.knoy[1], kz = d.knoz[1];
-    ThermalConstants tc{d.cf, d.pf, d.ci, d.rhoi, d.tclw, d.tcli, d.wlh};
-    derive_thermal_constants(tc);
     row_zone(b, c, " days\"\n");
     Rows r = begin_rows(os, b, 3, 15, 6);
     for (int ix = 1; ix <= g.nx; ++ix) {
         const int n = grid_node(ix, iy, kz, g.ny, g.nzt);
         const int e = element_below(g, ix, iy, kz);
         put(r, g.x[n]);
-        put(r, Co(c.f.t1[n], at(c.m.por, e), at(c.m.sw, e), at(c.m.csol, e), d.medium, tc, c.o.lheat));
+        put(r, at(c.m.co1, e));
         put(r, at(c.m.tkel, e));
     }
     end_rows(r);

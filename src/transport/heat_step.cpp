@@ -42,7 +42,7 @@ double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velociti
 {
     const ThermalConstants& tc = hp.tc;
     const TransportScheme& s = hp.scheme;
-    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, w, cmat, tt, [&](int e) {
+    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, [&](int e) {
         int nodes[9];
         for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
         const double Tn = mean8(f.t10, nodes), Ti = mean8(f.t1i, nodes);

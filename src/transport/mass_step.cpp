@@ -48,7 +48,7 @@ void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocitie
 {
     start_transport_system(g.nnt, mass, w);
     TransportTarget tt{ScatterTarget{mass.pat, w.a, w.b, nb_transport}, mass.idir, mass.ncum, f.t20, w.rvec};
-    const double R = assemble_bricks(g, et, mp.kint, mp.decay, mp.agefx, mass, f.t20, w, cmat, tt, [&](int e) {
+    const auto terms = [&](int e) {
         BrickTerms bt;
         bt.R = (mp.ret + mp.ret) / 2.0;
         m.co0[e] = bt.R;
@@ -57,7 +57,8 @@ void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocitie
         bt.c = element_coefficients(D, v.vx[e], v.vy[e], v.vz[e], mp.scheme);
         bt.dtinv = mp.scheme.dtinv;
         return bt;
-    });
+    };
+    const double R = assemble_bricks(g, et, mp.kint, mp.decay, mp.agefx, mass, f.t20, f.t20, w, cmat, tt, terms);
     assemble_fractures(g, m, fr, v, et, mp, R, tt);
 
     // injected water dilutes the node towards its concentration: a third-type term; a

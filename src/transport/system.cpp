@@ -44,7 +44,8 @@ void solve_transport_system(int nnt, const FieldIndex& fi, SolverWork& w, std::v
     }
 }
 
-void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old, int e)
+void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old,
+                    const std::vector<double>& pass, int e)
 {
     const int ne = g.net;
     const int* int8 = g.int8.data();
@@ -57,6 +58,7 @@ void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, co
             prefetch(idir + nd[i]);
             prefetch(ncum + nd[i]);
             prefetch(old.data() + nd[i]);
+            prefetch(pass.data() + nd[i]);
         }
     }
     if (e + ahead_starts <= ne) {

@@ -32,24 +32,27 @@ struct BrickTerms {
     double dtinv = 0;
 };
 
-// Starts the loads of element e + a few ahead (large grids wait on memory otherwise).
-void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old, int e);
+// Starts the loads of element e + a few ahead (large grids wait on memory otherwise),
+// with the nodal values of the two fields the coefficients read.
+void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old,
+                    const std::vector<double>& pass, int e);
 
 // Assembles every brick of the transport grid: terms(e) gives its coefficients, then the
 // Gauss path (kint 1) or the tables path (kint 0, with decay and growth into cmat) forms
-// the matrices and they are scattered with the old-level field `old`.  Any other kint
-// leaves the matrices of the element before.  Returns the R of the last element.
+// the matrices and they are scattered with the old-level field `old`; `pass` is the
+// other field terms(e) reads.  Any other kint leaves the matrices of the element before.
+// Returns the R of the last element.
 template <class Terms>
 double assemble_bricks(const Grid& g, const ElementTables& et, int kint, double decay, double agefx,
-                       const FieldIndex& fi, const std::vector<double>& old, SolverWork& w, double cmat[9][9],
-                       TransportTarget& tt, Terms&& terms)
+                       const FieldIndex& fi, const std::vector<double>& old, const std::vector<double>& pass,
+                       SolverWork& w, double cmat[9][9], TransportTarget& tt, Terms&& terms)
 {
     int nodes[9];
     double amat[9][9] = {}, bmat[9][9] = {};
     double R = 0.0;
     const bool fast = fi.epos.ne == g.net && g.net > 0;  // slots found in advance
     for (int e = 1; e <= g.net; ++e) {
-        if (fast) prefetch_brick(g, fi, w, old, e);
+        if (fast) prefetch_brick(g, fi, w, old, pass, e);
         for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
         BrickTerms bt = terms(e);
         R = bt.R;

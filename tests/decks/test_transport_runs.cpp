@@ -143,3 +143,32 @@ TEST(TransportRuns, RetardationOfZeroIsRefused)
 }
 
 }  // namespace
+
+namespace {
+
+int count_of(const std::string& text, const std::string& what)
+{
+    int n = 0;
+    for (std::size_t p = text.find(what); p != std::string::npos; p = text.find(what, p + 1)) ++n;
+    return n;
+}
+
+TEST(TransportRuns, FreezingPassesThatDoNotSettleEndAtTheLimit)
+{
+    // the top held at -5 C freezes the ground in both formulations; with cct far below
+    // what the passes reach every step ends after maxit1 + 1 = 4 passes and goes on
+    for (const char* opts : {"0 0 0 0 0 0 1 3 0 0 0 1 0 0", "0 0 0 0 0 0 1 3 0 0 0 2 0 0"}) {
+        const DeckRun r = run_deck(small_deck({{"[options]", opts},
+                                               {"[heat top]", "1 4 1 2 -5.0 0"},
+                                               {"[cc]", "1.0e-4 1.0e-14 1.0e-2 1.0e-3 3 3"}}));
+        ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+        const std::string done = opts[22] == '1' ? "heat transport(v1) solution complete at t= "
+                                                 : "heat transport(v2) solution complete at t= ";
+        EXPECT_EQ(count_of(r.listing, done), 8) << opts;
+        EXPECT_EQ(count_of(r.listing, " non-linear iteration # (kit):            3\n"), 2);
+        EXPECT_EQ(count_of(r.listing, " thermal/concentration iteration limit reached at this time step"), 2);
+        EXPECT_FALSE(r.has("thermal solution has converged in"));
+    }
+}
+
+}  // namespace
