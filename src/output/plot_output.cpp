@@ -18,8 +18,8 @@ constexpr double no_peak = 1.0e33;                     // start of the running e
 // whatever the clock holds; dt is the interval's step in seconds (0 before the first).
 PlotContext context(const RunState& rs, bool setup)
 {
-    return PlotContext{rs.grid, rs.f,   rs.deck, rs.opt, rs.media, rs.vel, rs.frac, setup ? 0.0 : rs.loop.tdays,
-                       rs.loop.iv.dt, setup};
+    return PlotContext{rs.grid, rs.f,       rs.deck,   rs.opt, rs.media, rs.vel, rs.frac, rs.forcing,
+                       rs.heat.fc, setup ? 0.0 : rs.loop.tdays, rs.loop.iv.dt, setup};
 }
 
 // Which families of files this run can fill.
@@ -84,8 +84,8 @@ void plot_step_files(RunState& rs, const PlotContext& c, const PlotSwitches& s)
     // profiles and maps of the temperature field and of what the heat steps hand over
     if (s.t1dz) write_t1dz(fl.w(plot_unit::t1dz), c, p.dzl, b);
     write_t1dx(fl.w(plot_unit::t1dx), c, b);
-    write_bzq(fl.w(plot_unit::bzq), c, p, b);
-    if (s.leaky) write_hflux_xl(fl.w(plot_unit::hflux_xl), c, p, b);
+    write_bzq(fl.w(plot_unit::bzq), c, p.dztot, b);
+    if (s.leaky) write_hflux_xl(fl.w(plot_unit::hflux_xl), c, b);
     if (s.debug) write_debug_1dx(fl.w(plot_unit::debug_1dx), c, b);
     write_tbck(fl.w(plot_unit::tbck), c, b);
     write_tpeak(fl.w(plot_unit::tpeak), c, p);

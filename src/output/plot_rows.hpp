@@ -8,6 +8,7 @@
 #include "input/deck.hpp"
 #include "output/fortran_format.hpp"
 #include "output/plot_state.hpp"
+#include "timeloop/forcing.hpp"
 
 #include <ostream>
 #include <string>
@@ -22,6 +23,8 @@ struct PlotContext {
     const Media& m;
     const Velocities& v;
     const Fractures& fr;
+    const Forcing& fo;                    // the top surface of the step
+    const std::vector<double>& heat_fc;   // heat fixed values: the air side of a leaky top
     double tdays = 0;    // time of the state (days)
     double dt = 0;       // step (s)
     bool setup = false;  // the t = 0 state written before the first step

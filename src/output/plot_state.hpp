@@ -4,9 +4,9 @@
 
 // State of the result files across a run: the record buffer every writer builds in, the
 // zone and record counters behind the shared-coordinate zones and the 9999 placeholders,
-// the running peak maps, and the values that the balances, the deformation and the
-// surface forcing hand to the files.  Those start at zero and print as zero until the
-// step that computes them fills them in.
+// the running peak maps, and the values that the balances and the deformation hand to
+// the files.  Those start at zero and print as zero until the step that computes them
+// fills them in.
 
 // The record of htot_flux.plt: heat contents and cumulative heat flows (J).
 struct HeatTotals {
@@ -57,7 +57,4 @@ struct PlotOutputs {
     MassSums mass;
     std::vector<double> dzcol, dztot;    // by column: settlement of the step and in all (m)
     std::vector<double> dzl;             // by transport node: settlement of its layer (m)
-    std::vector<double> bz, bzf, bzq;    // by x index: conductance layer thickness (m), flux
-                                         // (W/m2) and recharge (m/s)
-    std::vector<double> hflux_xl;        // by x index: heat flux across the transfer layer (W/m2)
 };

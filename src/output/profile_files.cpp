@@ -150,25 +150,28 @@ double thaw_depth(const PlotContext& c, int ix, int iy)
 }
 
 // One record per x row, at the column (ix, knoy(1)).
-void write_bzq(std::ostream& os, const PlotContext& c, const PlotOutputs& p, std::string& b)
+void write_bzq(std::ostream& os, const PlotContext& c, const std::vector<double>& dztot, std::string& b)
 {
     const Grid& g = c.g;
     const int iy = profile_row(c);
     row_zone(b, c, " days\"\n");
     Rows r = begin_rows(os, b, 6, 15, 6);
     for (int ix = 1; ix <= g.nx; ++ix) {
+        const int col = (ix - 1) * g.ny + iy;
         put(r, g.x[grid_node(ix, iy, g.nzt, g.ny, g.nzt)]);
-        put(r, at(p.dztot, (ix - 1) * g.ny + iy));
+        put(r, at(dztot, col));
         put(r, thaw_depth(c, ix, iy));
-        put(r, at(p.bz, ix));
-        put(r, at(p.bzf, ix));
-        put(r, at(p.bzq, ix));
+        put(r, c.fo.bz[col]);
+        put(r, c.fo.bzflx[col]);
+        put(r, c.fo.bzq[col]);
     }
     end_rows(r);
 }
 
-// The transfer layer sits on the top level, so the zone names kz = nzt.
-void write_hflux_xl(std::ostream& os, const PlotContext& c, const PlotOutputs& p, std::string& b)
+// Conduction across the transfer layer, tcon/bz times the drop from the top node to the
+// air side, positive upward.  The transfer layer sits on the top level, so the zone names
+// kz = nzt.
+void write_hflux_xl(std::ostream& os, const PlotContext& c, std::string& b)
 {
     const Grid& g = c.g;
     const int iy = profile_row(c);
@@ -177,8 +180,11 @@ void write_hflux_xl(std::ostream& os, const PlotContext& c, const PlotOutputs& p
     add_line(b, "\"");
     Rows r = begin_rows(os, b, 2, 15, 6);
     for (int ix = 1; ix <= g.nx; ++ix) {
-        put(r, g.x[grid_node(ix, iy, g.nzt, g.ny, g.nzt)]);
-        put(r, at(p.hflux_xl, ix));
+        const int n = grid_node(ix, iy, g.nzt, g.ny, g.nzt);
+        const double bz = c.fo.bz[(ix - 1) * g.ny + iy];
+        put(r, g.x[n]);
+        // before the first step the layer has no thickness yet, and nothing flows
+        put(r, bz > 0 ? c.d.tcon / bz * (c.f.t1[n] - c.heat_fc[n]) : 0.0);
     }
     end_rows(r);
 }

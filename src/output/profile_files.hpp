@@ -23,9 +23,9 @@ void write_t1dz(std::ostream& os, const PlotContext& c, const std::vector<double
 // T and Wu along x at each knoz slot.
 void write_t1dx(std::ostream& os, const PlotContext& c, std::string& b);
 // Per x row: total settlement, depth of the thaw front, conductance layer values.
-void write_bzq(std::ostream& os, const PlotContext& c, const PlotOutputs& p, std::string& b);
+void write_bzq(std::ostream& os, const PlotContext& c, const std::vector<double>& dztot, std::string& b);
 // Heat flux across the conductance (transfer) layer of a leaky top, per x row.
-void write_hflux_xl(std::ostream& os, const PlotContext& c, const PlotOutputs& p, std::string& b);
+void write_hflux_xl(std::ostream& os, const PlotContext& c, std::string& b);
 // Heat capacity Co and bulk conductivity along the row knoy(1), knoz(1).
 void write_debug_1dx(std::ostream& os, const PlotContext& c, std::string& b);
 // Background profile: z, T, Wu of the first column.

@@ -10,8 +10,15 @@
 #include "transport/mass_step.hpp"
 
 void initial_output(RunState& rs, const Listing&) { initial_plot_output(rs); }
-void apply_forcing(RunState&, const Listing&) {}
-void update_boundary_heads(RunState&, const Listing&) {}
+void apply_forcing(RunState& rs, const Listing& lst)
+{
+    const SurfaceInputs in{rs.deck, rs.aux, rs.grid, rs.patches, rs.faces.areacol, rs.opt.ktair, rs.loop.tdays};
+    surface_forcing(in, rs.forcing, rs.heat.fc, rs.flow.qnode, lst);
+}
+void update_boundary_heads(RunState& rs, const Listing& lst)
+{
+    boundary_heads(rs.aux, rs.grid, rs.loop.tdays, rs.loop.iv.hinc, rs.wt, rs.forcing, rs.flow, lst);
+}
 bool water_table_converged(RunState&, const Listing&) { return true; }
 void water_table_move(RunState&, const Listing&) {}
 void age_exit_rule(RunState&, const Listing&) {}

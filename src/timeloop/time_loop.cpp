@@ -36,14 +36,8 @@ void start_interval(RunState& rs, RecordReader& rd, const Listing& lst)
     lst.line(free_line("moment/tpeak frequency = ", iv.kmomfreq));
     lst.line(free_line("hinc,rinc,rtdiff,bzfmult:", iv.hinc, iv.rinc, iv.rtdiff, iv.bzfmult));
 
-    // head increment on every fixed head (a cosine top scales its amplitude instead),
-    // recharge factor on the top fluxes unless bzin.data drives the top
     const Grid& g = rs.grid;
-    if (rs.flow.kb[6] != 6)
-        for (int n = 1; n <= g.nn; ++n) rs.flow.fc[n] += iv.hinc;
-    if (!rs.aux.lbzin)
-        for (int c = 1; c <= g.nxy; ++c) rs.flow.qnode[c * g.nz] *= iv.rinc;
-
+    start_interval_forcing(iv, rs.aux.lbzin, g, rs.flow, rs.forcing);
     read_patches(rd, lst, g, rs.heat, rs.patches);
     read_heaters(rd, lst, rs.opt.kmass, g, rs.src);
     read_sources(rd, lst, g, rs.src);

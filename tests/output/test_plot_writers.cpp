@@ -24,8 +24,13 @@ struct Box {
     Media m;
     Velocities v;
     Fractures fr;
+    Forcing fo;
+    std::vector<double> heat_fc;
     std::string b;
-    PlotContext ctx(double tdays = 0, bool setup = false) const { return PlotContext{g, f, d, o, m, v, fr, tdays, 86400.0, setup}; }
+    PlotContext ctx(double tdays = 0, bool setup = false) const
+    {
+        return PlotContext{g, f, d, o, m, v, fr, fo, heat_fc, tdays, 86400.0, setup};
+    }
 };
 
 Box make_box(int nx, int ny, int nz, int nzt)
@@ -33,6 +38,8 @@ Box make_box(int nx, int ny, int nz, int nzt)
     Box x;
     x.g = flow_box(nx - 1, ny - 1, nz - 1, nx - 1, ny - 1, nz - 1, nzt - nz, true);
     size_fields(x.f, x.g.nn, x.g.nnt);
+    size_forcing(x.fo, x.g.nx, x.g.nxy);
+    x.heat_fc.assign(x.g.nnt + 1, 0.0);
     for (auto* a : {&x.v.vx, &x.v.vy, &x.v.vz}) a->assign(x.g.net + 1, 0.0);
     x.d.medium = FreezeParams{0.05, 1.0, -1.0, 1.0, 1, 1};
     return x;
