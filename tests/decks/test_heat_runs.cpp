@@ -1,0 +1,104 @@
+#include "support/deck_run.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <sstream>
+
+// Whole heat runs driven by the surface forcing, against closed forms.
+
+namespace {
+
+// A column of 1 x 1 m and 5 m depth in 100 layers, heat only, no flow (a given velocity
+// of zero), its top following a cosine air temperature of mean 7 C, amplitude 2 C and a
+// 10-day period through a -999 patch.  Profiles every second step at the column x = 0.
+const char* const periodic_deck = R"(periodic surface temperature
+a column under a cosine air temperature
+heat only
+0 2 0 0 0 0 1 0 0 0 0 1 0 0   options: transport only, heat v1
+1 1 1
+1.0
+1.0
+5.0
+1
+1
+100
+0 0.0 0.0
+0 0 0 0 0
+0 0 0 0 0 0 0 0 0.0 0
+1 1 0 0 0 0 0
+1 2 1 101 10.0 0
+1 2 1 101 10.0 0
+1 100 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0
+0 0 0 0 0 0 0 0 0 0 0 0 0 0 0
+1.0e-4
+0 10.0
+0 0 0 0 0 1 0                 heat: the top is held
+1 2 1 2 7.0 0
+2.0 0.3 1.0
+1 2 5.0 2.0 10.0 0.0 -50.0 0.0 0.0 -1   air: 5 + 2 + 2 cos(2 pi t/10)
+0.1 0.0 365.0 0.0 0.0 0.0 0.0
+1.0 0.0 365.0 0.0 0.0 0.0 0.0
+0.0 0.0 1.0 0.0 0.0 0.0 0.0
+1 0.0 0.0 0.0 1
+0.0 0.0 0.0 0.0 0.0 1.0 0.0 0.0 0
+4186.0 1000.0 2100.0 917.0 0.6 2.24 334000.0
+0.05 1.0 -1.0 1.0 0 0
+0.05 1.0 -1.0 1.0 0 0
+1 2 1 2 1 101 7.0 7.0 0
+1.0e-4 1.0e-3 1.0e-2 1.0e-3 3 3
+0.0 0.0 5.0
+1 0 0 0 0
+1 0 0 0 0
+1 0 0 0 0
+100.0 0.0 0.0 0.0 0.0
+0.0 40.0 0.05 100000 1 100000 100000 0
+0.0 1.0 0.0 1.0
+1 2 1 2 -999.0 0              the top follows the air
+0 0 0 0 0 0 0.0 0.0 0.0 0
+0 0 0 0 0.0 0.0 0.0 0
+)";
+
+TEST(HeatRuns, PeriodicTopIsDampedAndDelayedWithDepth)
+{
+    const DeckRun r = run_deck(periodic_deck);
+    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+    // t, z, T rows of t1dz_tdum.plt, every second step
+    std::map<long, std::vector<std::pair<double, double>>> by_depth;  // z in cm -> (t, T)
+    std::istringstream in(r.dir->read("t1dz_tdum.plt"));
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream ls(line);
+        double t, z, T, wu;
+        if (!(ls >> t >> z >> T >> wu)) continue;
+        by_depth[std::lround(z * 100)].push_back({t, T});
+    }
+    // alpha = k/C of the saturated ground, damping depth d = sqrt(alpha P / pi)
+    const double k = std::pow(0.3 * std::sqrt(0.6) + 0.7 * std::sqrt(2.0), 2);
+    const double C = 0.3 * 1000.0 * 4186.0 + 0.7 * 800.0 * 2650.0;
+    const double P = 10.0, d = std::sqrt(k / C * P * 86400.0 / M_PI);
+    for (double depth : {d, 2 * d}) {
+        // the node nearest that depth; the fourth period
+        const long zc = std::lround((5.0 - std::round(depth / 0.05) * 0.05) * 100);
+        const double zdepth = 5.0 - zc / 100.0;
+        // the fourth period's harmonic at the forcing frequency: T = 7 + A cos(w t - phi)
+        const double w = 2 * M_PI / P;
+        double a = 0, b = 0;
+        int n = 0;
+        for (const auto& [t, T] : by_depth.at(zc)) {
+            if (t < 30.0 + 1e-6 || t > 40.0 + 1e-6) continue;
+            a += T * std::cos(w * t);
+            b += T * std::sin(w * t);
+            ++n;
+        }
+        ASSERT_EQ(n, 100);
+        const double amp = 2 * std::hypot(a, b) / n, want = 2.0 * std::exp(-zdepth / d);
+        EXPECT_NEAR(amp, want, 0.03 * want) << "depth " << zdepth;
+        // the top value enters the assembly a step late: one step of lag at every depth
+        const double lag = std::atan2(b, a) - w * 0.05;
+        EXPECT_NEAR(lag, zdepth / d, 0.03 * zdepth / d) << "depth " << zdepth;
+    }
+}
+
+}  // namespace
