@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <map>
 #include <sstream>
 
@@ -99,6 +100,40 @@ TEST(HeatRuns, PeriodicTopIsDampedAndDelayedWithDepth)
         const double lag = std::atan2(b, a) - w * 0.05;
         EXPECT_NEAR(lag, zdepth / d, 0.03 * zdepth / d) << "depth " << zdepth;
     }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(HeatRuns, SeasonalFrostExampleFreezesAndThawsTheTop)
+{
+    std::ifstream in(std::string(GELMOR_SOURCE_DIR) + "/examples/seasonal_frost/gelmor.data");
+    std::ostringstream deck;
+    deck << in.rdbuf();
+    const DeckRun r = run_deck(deck.str());
+    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+    // late winter (90 days): frozen from the top down to the front where half the water
+    // is ice (-0.35 C).  A one-phase Neumann front at the winter's mean air temperature
+    // (-5.7 C) with all latent heat freed at 0 C would stand at 1.4 m; the deck's gentle
+    // freezing curve frees much of it below -0.35 C, so the half-frozen front runs deeper.
+    std::istringstream rows(r.dir->read("tc3d1_gelmor.out"));
+    std::string line;
+    for (int i = 0; i < 3; ++i) std::getline(rows, line);
+    double front = 0;
+    double zlast = 0, Tlast = 0;
+    while (std::getline(rows, line)) {
+        std::istringstream ls(line);
+        double x, y, z, T, C, H;
+        ls >> x >> y >> z >> T >> C >> H;
+        if (x != 0 || y != 0) continue;
+        if (z > 0 && Tlast > -0.35 && T <= -0.35) front = 10.0 - (zlast + (z - zlast) * (Tlast + 0.35) / (Tlast - T));
+        zlast = z;
+        Tlast = T;
+    }
+    EXPECT_GT(front, 1.2);
+    EXPECT_LT(front, 2.6);
+    EXPECT_GT(Tlast, 0.0) << "the top thaws as the air warms";
 }
 
 }  // namespace
