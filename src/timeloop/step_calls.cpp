@@ -79,19 +79,26 @@ void uniform_fracture_velocities(RunState& rs)
 }
 
 namespace {
-MassParams mass_params(const RunState& rs)
+// The deck's transport constants and the step, common to the mass and heat steps.
+template <class P>
+void common_transport_params(const RunState& rs, P& p)
 {
     const Deck& d = rs.deck;
+    p.kint = rs.opt.kint;
+    p.disp = Dispersivity{d.al, d.alt, d.ath, d.atv, d.idisp};
+    p.dd = d.dd;
+    p.decay = d.decay;
+    p.agefx = d.agefx;
+    p.scheme.dtinv = rs.loop.dtinv;
+    p.scheme.dthalf = rs.loop.dthalf;
+}
+
+MassParams mass_params(const RunState& rs)
+{
     MassParams mp;
-    mp.kint = rs.opt.kint;
+    common_transport_params(rs, mp);
     mp.lmass = rs.opt.lmass;
-    mp.disp = Dispersivity{d.al, d.alt, d.ath, d.atv, d.idisp};
-    mp.dd = d.dd;
-    mp.ret = d.ret;
-    mp.decay = d.decay;
-    mp.agefx = d.agefx;
-    mp.scheme.dtinv = rs.loop.dtinv;
-    mp.scheme.dthalf = rs.loop.dthalf;
+    mp.ret = rs.deck.ret;
     return mp;
 }
 }  // namespace
@@ -111,18 +118,12 @@ HeatParams heat_params(const RunState& rs)
 {
     const Deck& d = rs.deck;
     HeatParams hp;
-    hp.kint = rs.opt.kint;
+    common_transport_params(rs, hp);
     hp.lheat = rs.opt.lheat;
-    hp.disp = Dispersivity{d.al, d.alt, d.ath, d.atv, d.idisp};
-    hp.dd = d.dd;
-    hp.decay = d.decay;
-    hp.agefx = d.agefx;
     hp.medium = d.medium;
     hp.fracture = d.fracture;
     hp.tc = ThermalConstants{d.cf, d.pf, d.ci, d.rhoi, d.tclw, d.tcli, d.wlh};
     derive_thermal_constants(hp.tc);
-    hp.scheme.dtinv = rs.loop.dtinv;
-    hp.scheme.dthalf = rs.loop.dthalf;
     return hp;
 }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <map>
 #include <sstream>
 
@@ -108,10 +107,7 @@ namespace {
 
 TEST(HeatRuns, SeasonalFrostExampleFreezesAndThawsTheTop)
 {
-    std::ifstream in(std::string(GELMOR_SOURCE_DIR) + "/examples/seasonal_frost/gelmor.data");
-    std::ostringstream deck;
-    deck << in.rdbuf();
-    const DeckRun r = run_deck(deck.str());
+    const DeckRun r = run_deck(example_deck("seasonal_frost"));
     ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
     // late winter (90 days): frozen from the top down to the front where half the water
     // is ice (-0.35 C).  A one-phase Neumann front at the winter's mean air temperature

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <sstream>
 
 // Whole runs of the mass and age steps: wiring, the saltwater heads, the Peclet file and
@@ -31,10 +30,7 @@ std::vector<std::vector<double>> rows_of(const std::string& text, int skip)
 
 TEST(TransportRuns, SoluteColumnExampleFollowsOgataBanks)
 {
-    std::ifstream in(std::string(GELMOR_SOURCE_DIR) + "/examples/solute_column/gelmor.data");
-    std::ostringstream deck;
-    deck << in.rdbuf();
-    const DeckRun r = run_deck(deck.str());
+    const DeckRun r = run_deck(example_deck("solute_column"));
     ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
     const double v = 1e-5, D = 0.5 * v;
     for (const auto& [file, days] : {std::pair{"tc3d1_gelmor.out", 20.0}, std::pair{"tc3d2_gelmor.out", 40.0}}) {

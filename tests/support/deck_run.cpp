@@ -18,9 +18,9 @@ DeckRun run_deck(const std::string& deck_text, const std::vector<std::pair<std::
     return r;
 }
 
-std::string example_deck()
+std::string example_deck(const std::string& name)
 {
-    std::ifstream in(std::string(GELMOR_SOURCE_DIR) + "/examples/valley_section/gelmor.data");
+    std::ifstream in(std::string(GELMOR_SOURCE_DIR) + "/examples/" + name + "/gelmor.data");
     std::ostringstream ss;
     ss << in.rdbuf();
     return ss.str();

@@ -19,7 +19,7 @@ struct DeckRun {
 DeckRun run_deck(const std::string& deck_text, const std::vector<std::pair<std::string, std::string>>& extra_files = {});
 
 // The bundled example deck, as text, and its one run shared by all tests.
-std::string example_deck();
+std::string example_deck(const std::string& name = "valley_section");
 const DeckRun& example_run();
 std::vector<std::string> split_lines(const std::string& text);
 std::string join_lines(const std::vector<std::string>& lines);

@@ -75,20 +75,7 @@ struct HeatCase {
     }
 
     // One step of length dt in formulation `version`, a single pass.
-    void step(int version, double dt)
-    {
-        hp.scheme.dtinv = 1.0 / dt;
-        hp.scheme.dthalf = 0.5 * dt;
-        f.t10 = f.t1;
-        f.t1i = f.t1;
-        const Sources& s = heaters;
-        const HeatSources src{qsrc, tsrc, s.nheat, s.helem, s.hnode, s.fluxin1, s.fluxin2};
-        const HeatTop top{lleaky, tcon, rtdiff, tsurf, bz, bzflx, rech, fs.areacol, flow_idir};
-        if (version == 1)
-            htran1(g, m, fr, v, et, hp, top, src, heat, f, w, cmat, lst);
-        else
-            htran2(g, m, fr, v, et, hp, top, src, heat, f, w, cmat, lst);
-    }
+    void step(int version, double dt) { step_passes(version, dt, 0.0, 1); }
 
     // One step of length dt with passes until the largest change of a pass is below tol
     // (at most maxpass): the capacities follow the last pass's temperatures.
@@ -96,7 +83,7 @@ struct HeatCase {
     {
         const std::vector<double> start = f.t1;
         int pass = 0;
-        for (double change = 2 * tol; change > tol && pass < maxpass; ++pass) {
+        for (double change = HUGE_VAL; change > tol && pass < maxpass; ++pass) {
             const std::vector<double> last = f.t1;
             hp.scheme.dtinv = 1.0 / dt;
             hp.scheme.dthalf = 0.5 * dt;
