@@ -173,6 +173,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     if (opt.lmass || opt.lage)
         element_positions(rs.mass.pat, g.int8, g.net, rs.mass.idir, rs.mass.ncum, nb_transport, rs.mass.epos);
     size_solves(rs);
+    size_deformation(rs.defo, g);
     std::vector<double> u = std::move(rs.f.u), u0 = std::move(rs.f.u0), ui = std::move(rs.f.ui);
     size_fields(rs.f, g.nn, g.nnt);
     rs.f.u = std::move(u);

@@ -4,6 +4,7 @@
 #include "control/options.hpp"
 #include "element/tables.hpp"
 #include "flow/field_index.hpp"
+#include "grid/deformation.hpp"
 #include "grid/fractures.hpp"
 #include "grid/grid.hpp"
 #include "grid/properties.hpp"
@@ -35,6 +36,7 @@ struct RunState {
     std::vector<double> fc0;       // flow fixed values as read, the reference boundary heads
     std::vector<int> top_idir;     // flow node type of each column's top node, by column
     Fields f;                      // heads, temperatures, concentrations at three levels
+    Deformation defo;              // freeze-thaw movement of the surface
     Velocities vel;                // element and fracture pore velocities
     ForcingTables aux;             // tables of the optional input files
     Forcing forcing;               // top surface state of the step: air, conductance layer, tide

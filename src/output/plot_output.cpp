@@ -82,13 +82,13 @@ void plot_step_files(RunState& rs, const PlotContext& c, const PlotSwitches& s)
     write_hxy(fl.w(plot_unit::hxy), c, p.zones_hxy, b);
     if (!s.temperature) return;
     // profiles and maps of the temperature field and of what the heat steps hand over
-    if (s.t1dz) write_t1dz(fl.w(plot_unit::t1dz), c, p.dzl, b);
+    if (s.t1dz) write_t1dz(fl.w(plot_unit::t1dz), c, rs.defo.dzel, b);
     write_t1dx(fl.w(plot_unit::t1dx), c, b);
-    write_bzq(fl.w(plot_unit::bzq), c, p.dztot, b);
+    write_bzq(fl.w(plot_unit::bzq), c, rs.defo.dztot, b);
     if (s.leaky) write_hflux_xl(fl.w(plot_unit::hflux_xl), c, b);
     if (s.debug) write_debug_1dx(fl.w(plot_unit::debug_1dx), c, b);
     write_tbck(fl.w(plot_unit::tbck), c, b);
-    write_tpeak(fl.w(plot_unit::tpeak), c, p);
+    write_tpeak(fl.w(plot_unit::tpeak), c, p, rs.defo.dzcol, rs.defo.dztot);
 }
 
 // The header of every file this run can fill, in the order of the units.  A file whose

@@ -55,6 +55,4 @@ struct PlotOutputs {
     BoundaryFluxes bndy;
     TopFluxes top;
     MassSums mass;
-    std::vector<double> dzcol, dztot;    // by column: settlement of the step and in all (m)
-    std::vector<double> dzl;             // by transport node: settlement of its layer (m)
 };

@@ -73,7 +73,7 @@ void t1dx_time_header(std::string& b, int nx)
 // One zone per knox slot, all in the y plane knoy(1), one node a record from the bottom
 // up.  Wu*Sw is the unfrozen water per pore volume, with the saturation of the element
 // above the node (the top node takes the last element).
-void write_t1dz(std::ostream& os, const PlotContext& c, const std::vector<double>& dzl, std::string& b)
+void write_t1dz(std::ostream& os, const PlotContext& c, const std::vector<double>& dzel, std::string& b)
 {
     const Grid& g = c.g;
     const int iy = c.d.knoy[1];
@@ -97,8 +97,9 @@ void write_t1dz(std::ostream& os, const PlotContext& c, const std::vector<double
             put(r, c.f.t1[n]);
             put(r, c.f.t2[n]);
             put(r, wu);
-            put(r, wu * at(c.m.sw, element_below(g, ix, iy, k)));
-            put(r, at(dzl, n));
+            const int e = element_below(g, ix, iy, k);
+            put(r, wu * at(c.m.sw, e));
+            put(r, at(dzel, e));
         }
         end_rows(r);
     }

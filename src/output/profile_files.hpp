@@ -18,8 +18,9 @@ void t1dz_time_header(std::string& b, int nzt);
 void t1dx_time_header(std::string& b, int nx);
 
 // Vertical profile of head, T, C, Wu, Wu*Sw and layer settlement at each knox slot in
-// the y plane knoy(1).  `dzl` holds the settlement by transport node, empty if none.
-void write_t1dz(std::ostream& os, const PlotContext& c, const std::vector<double>& dzl, std::string& b);
+// the y plane knoy(1).  dzl of a node is the freeze-thaw movement (dzel) of the element
+// above it, the top node taking its layer's; `dzel` is empty without deformation.
+void write_t1dz(std::ostream& os, const PlotContext& c, const std::vector<double>& dzel, std::string& b);
 // T and Wu along x at each knoz slot.
 void write_t1dx(std::ostream& os, const PlotContext& c, std::string& b);
 // Per x row: total settlement, depth of the thaw front, conductance layer values.

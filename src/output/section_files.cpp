@@ -285,7 +285,8 @@ void write_hxy(std::ostream& os, const PlotContext& c, int& zones, std::string& 
 }
 
 // One zone per plot step over the columns; the coordinates are those of the column top.
-void write_tpeak(std::ostream& os, const PlotContext& c, PlotOutputs& p)
+void write_tpeak(std::ostream& os, const PlotContext& c, PlotOutputs& p, const std::vector<double>& dzcol,
+                 const std::vector<double>& dztot)
 {
     const Grid& g = c.g;
     std::string& b = p.rec;
@@ -302,8 +303,8 @@ void write_tpeak(std::ostream& os, const PlotContext& c, PlotOutputs& p)
             }
             put(r, p.tpk[col]);
             put(r, p.tmin[col]);
-            put(r, at(p.dzcol, col));
-            put(r, at(p.dztot, col));
+            put(r, at(dzcol, col));
+            put(r, at(dztot, col));
         }
     end_rows(r);
 }

@@ -32,7 +32,8 @@ void write_hyz(std::ostream& os, const PlotContext& c, std::string& b);
 void write_txy(std::ostream& os, const PlotContext& c, int& zones, std::string& b);
 void write_hxy(std::ostream& os, const PlotContext& c, int& zones, std::string& b);
 // Tpk, Tmin of every column, then its settlement of the step and in all.
-void write_tpeak(std::ostream& os, const PlotContext& c, PlotOutputs& p);
+void write_tpeak(std::ostream& os, const PlotContext& c, PlotOutputs& p, const std::vector<double>& dzcol,
+                 const std::vector<double>& dztot);
 
 // Running extremes of temperature over each column, taken at the peak-tracking steps.
 void update_peak_maps(const Grid& g, const Fields& f, PlotOutputs& p);

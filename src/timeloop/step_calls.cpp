@@ -1,11 +1,16 @@
 #include "timeloop/step_calls.hpp"
 
+#include "control/limits.hpp"
 #include "control/run_state.hpp"
+#include "element/hex.hpp"
 #include "flow/flow_system.hpp"
+#include "flow/type_change.hpp"
 #include "flow/velocities.hpp"
+#include "flow/water_table.hpp"
 #include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
 #include "output/plot_output.hpp"
+#include "solver/lower_csr.hpp"
 #include "transport/heat_step.hpp"
 #include "transport/mass_step.hpp"
 
@@ -19,16 +24,9 @@ void update_boundary_heads(RunState& rs, const Listing& lst)
 {
     boundary_heads(rs.aux, rs.grid, rs.loop.tdays, rs.loop.iv.hinc, rs.wt, rs.forcing, rs.flow, lst);
 }
-bool water_table_converged(RunState&, const Listing&) { return true; }
-void water_table_move(RunState&, const Listing&) {}
-void age_exit_rule(RunState&, const Listing&) {}
-void deformation_update(RunState&, const Listing&) {}
-void node_type_change(RunState&, const Listing&) {}
-void dztot_update(RunState&, const Listing&) {}
 void peclet_courant_plot(RunState& rs) { peclet_output(rs); }
 void velocity_files(RunState& rs) { velocity_output(rs); }
 void balances(RunState&, const Listing&) {}
-void update_element_volumes(RunState&, const Listing&) {}
 void step_output(RunState& rs, const Listing&) { step_plot_output(rs); }
 void final_summaries(RunState& rs, const Listing&) { end_plot_output(rs); }
 
@@ -153,4 +151,61 @@ void heat_transport_v2(RunState& rs, const Listing& lst, const Console&)
     htran2(rs.grid, rs.media, rs.frac, rs.vel, rs.tables, heat_params(rs), heat_top(rs), heat_sources(rs), rs.heat,
            rs.f, rs.work, rs.cmat, lst);
     lst.line(free_line("heat transport(v2) solution complete at t= ", rs.loop.tdays));
+}
+
+namespace {
+WaterTable water_table(const RunState& rs)
+{
+    const Deck& d = rs.deck;
+    return WaterTable{rs.opt.kwt, d.nwtl, d.datum, d.ccw, &rs.top_idir, rs.opt.unsat ? rs.grid.nlz[rs.grid.ngz] : 0};
+}
+
+// After a transport field was renumbered: its brick slots again, and the shared values
+// and work grown to the new system, here and never inside a solve.
+void refit_transport_field(RunState& rs, FieldIndex& fi, bool transported)
+{
+    const Grid& g = rs.grid;
+    if (transported) element_positions(fi.pat, g.int8, g.net, fi.idir, fi.ncum, nb_transport, fi.epos);
+    SolverWork& w = rs.work;
+    if (w.a.size() < (std::size_t)fi.pat.nvec + 1) w.a.resize((std::size_t)fi.pat.nvec + 1, 0.0);
+    const std::size_t need = 3 * (std::size_t)fi.neq + fi.pat.nvec + 1;
+    if (w.work.size() < need) w.work.resize(need, 0.0);
+}
+}  // namespace
+
+bool water_table_converged(RunState& rs, const Listing& lst)
+{
+    return water_table_test(rs.grid, water_table(rs), rs.f.u, lst);
+}
+
+void water_table_move(RunState& rs, const Listing& lst) { water_table_move(rs.grid, water_table(rs), rs.f.u, lst); }
+
+void age_exit_rule(RunState& rs, const Listing& lst)
+{
+    if (age_exit_conversion(rs.grid, rs.vel, rs.heat, rs.mass, lst)) refit_transport_field(rs, rs.mass, true);
+}
+
+void deformation_update(RunState& rs, const Listing&)
+{
+    const Grid& g = rs.grid;
+    deformation_update(rs.grid, rs.media, rs.f, rs.deck.medium, rs.deck.rhoi, rs.opt.lheat,
+                       rs.opt.unsat ? g.nlz[g.ngz] : 0, rs.defo);
+    rs.loop.dzmin = rs.defo.dmin;
+    rs.loop.dzmax = rs.defo.dmax;
+}
+
+void dztot_update(RunState& rs, const Listing& lst) { dztot_update(rs.grid, rs.defo, lst); }
+
+void node_type_change(RunState& rs, const Listing& lst)
+{
+    if (!top_face_switch(rs.grid, rs.vel, rs.heat, rs.mass, rs.f, lst)) return;
+    refit_transport_field(rs, rs.heat, rs.opt.lheat);
+    refit_transport_field(rs, rs.mass, rs.opt.lmass || rs.opt.lage);
+}
+
+void update_element_volumes(RunState& rs, const Listing& lst)
+{
+    Grid& g = rs.grid;
+    Media& m = rs.media;
+    elvol(g.x, g.y, g.z, rs.tables.gauss, g.int8, m.vol, g.net, m.voltot, rs.opt.kint, g.dxe, g.dye, g.dze, lst);
 }

@@ -202,8 +202,10 @@ void time_step(RunState& rs, const Listing& lst, const Console& con)
         if (pass_is_last(rs, lst)) break;
     }
 
-    if (o.kfreec > 0) node_type_change(rs, lst);
-    if (o.kdz > 0) dztot_update(rs, lst);
+    // a flow-only step goes from its velocities straight to the output
+    const bool flow_only = o.kcntrl == 1 || o.kcntrl == 3;
+    if (o.kfreec > 0 && !flow_only) node_type_change(rs, lst);
+    if (o.kdz > 0 && !flow_only) dztot_update(rs, lst);
     if (L.lpeclet || L.istep == 1) peclet_courant_plot(rs);  // and on each interval's first step
     L.lprint3d = false;
     for (int k = 1; k <= 5; ++k)
