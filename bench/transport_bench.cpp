@@ -2,6 +2,7 @@
 // three-dimensional velocity field that varies from element to element.  Assembly is
 // timed alone (both element paths) and with the ICC solve; a DRAM triad of 256 MiB
 // arrays, run in the same process, is the reference for the machine's state.
+#include "flow/type_change.hpp"
 #include "transport/heat_case.hpp"
 #include "transport/transport_case.hpp"
 
@@ -151,6 +152,24 @@ void BM_heat_step(benchmark::State& state)
     report_memory(state);
 }
 BENCHMARK(BM_heat_step)->Args({100, 1})->Args({100, 2})->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// Renumbering the mass field after every top node of the x = 0 half switched.
+void BM_recondense(benchmark::State& state)
+{
+    auto c = make_case((int)state.range(0), 0);
+    int flip = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        for (int col = 1; col <= c->g.nxy / 2; ++col) c->mass.idir[col * c->g.nzt] = flip;
+        flip = 1 - flip;
+        state.ResumeTiming();
+        recondense(c->g, c->mass, Listing{});
+        benchmark::DoNotOptimize(c->mass.pat.ja.data());
+    }
+    state.counters["neq"] = c->mass.neq;
+    report_memory(state);
+}
+BENCHMARK(BM_recondense)->Arg(100)->Unit(benchmark::kMillisecond)->Iterations(4);
 
 // a(i) = b(i) + s c(i) over three arrays of 256 MiB each: bytes moved per second
 void BM_Triad(benchmark::State& state)
