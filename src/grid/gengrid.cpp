@@ -93,14 +93,11 @@ void gengrid(Grid& g, int kflag, bool unsat, int kgo)
     int nzg = g.nz, nezg = g.nez, neg = g.ne;
     if (kflag == 1) {
         nzg = g.nzt;
-        neg = g.net;
-        if (unsat) {
-            const int add = g.nlz[g.ngz];
-            nzg += add;
-            neg += nex * ney * add;
-            g.nnt += nx * ny * add;
-        }
+        // an external grid (kgo 4) brings the transport-only layers with it
+        if (unsat && kgo != 4) nzg += g.nlz[g.ngz];
         nezg = nzg - 1;
+        neg = nex * ney * nezg;
+        g.nnt = nx * ny * nzg;
         g.nzt = nzg;
         g.nezt = nezg;
         g.net = neg;

@@ -103,10 +103,8 @@ void property_range(const PropertyRange& r, bool unsat, Media& m, const Listing&
         message(lst, {"!! warning !! K above wt. will not be used",
                       "por,sw,tclm,cps*ps will be used if unsat zone exists"});
     // above the unsaturated layers there is no element left to take the values
-    if (r.j1 <= r.j2 && r.j2 > m.net)
-        stop_run(lst, {"error, element range beyond the transport grid",
-                       free_items("j1,j2,net: ", r.j1, r.j2, m.net), "program stopping ..."});
-    for (int e = r.j1; e <= r.j2; ++e) store(m, e, v);
+    const int last = std::min(r.j2, m.net);
+    for (int e = r.j1; e <= last; ++e) store(m, e, v);
 }
 
 bool property_block(const PropertyBlock& b, bool unsat, const Grid& g, Media& m, const Listing& lst)
@@ -126,12 +124,9 @@ bool property_block(const PropertyBlock& b, bool unsat, const Grid& g, Media& m,
     // elements of other rows (or none) and may span billions of numbers: refused.
     if (b.i1 < 0 || b.i2 < 0 || b.j1 < 0 || b.j2 < 0 || b.k1 < 0 || b.k2 < 0)
         stop_run(lst, {"Indexed elements for K: negative index, stopping ... "});
-    // the unsaturated layers end at net: a block reaching above them has no element there
-    const bool any = b.i1 <= b.i2 && b.j1 <= b.j2 && b.k1 <= b.k2;
-    if (any && b.k2 > m.net / g.nexy)
-        stop_run(lst, {"Indexed elements for K: beyond the transport grid",
-                       free_items("k2, layers: ", b.k2, m.net / g.nexy), "program stopping ..."});
-    for (int k = b.k1; k <= b.k2; ++k)
+    // the unsaturated layers end at net: layers above them have no element to take values
+    const int k2 = std::min(b.k2, m.net / g.nexy);
+    for (int k = b.k1; k <= k2; ++k)
         for (int j = b.j1; j <= b.j2; ++j)
             for (int i = b.i1; i <= b.i2; ++i) {
                 const int e = grid_element(i, j, k, g.nex, g.ney);

@@ -108,19 +108,12 @@ const StopCase kStops[] = {
      "          is out of bounds; check data file and grid dimensions\n          program stopping\n"},
     {"1 -3 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 1, "is out of bounds; check data file and grid dimensions\n          program stopping\n"},
     {"1 13 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0, "is out of bounds; check data file and grid dimensions\n          program stopping\n"},
-    {"10 19 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 1,
-     "K above wt. will not be used\n          por,sw,tclm,cps*ps will be used if unsat zone exists\n\n"
-     "          error, element range beyond the transport grid\n"
-     "          j1,j2,net:           10          19          18\n          program stopping ...\n"},
     {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n1 4 1 1 1 1 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0,
      "\n\n          Indexed elements for K: bad entries, stopping ... \n"},
     {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n1 1 1 1 1 3 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0,
      "Indexed elements for K: bad entries, stopping ... \n"},
     {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n-1 -1 1 1 1 1 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 0,
      "\n\n          Indexed elements for K: negative index, stopping ... \n"},
-    {"1 12 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n1 1 1 1 2 4 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n", 1,
-     "\n\n          Indexed elements for K: beyond the transport grid\n"
-     "          k2, layers:            4           3\n          program stopping ...\n"},
 };
 
 TEST(Properties, OutOfBoundsZonesStop)
@@ -134,6 +127,15 @@ TEST(Properties, OutOfBoundsZonesStop)
     Zones z("13 1 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n3 1 1 1 2 9 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n",
             1);
     EXPECT_FALSE(z.stops()) << z.text();
+    // with a layer above the flow grid, a range or block reaching past it warns and keeps
+    // what exists: elements 10..18 take the range, and the block its layers 2 and 3
+    Zones a("10 19 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.3 1.0 0\n"
+            "1 1 1 1 2 4 1e-5 1e-5 1e-6 2.0 800.0 2650.0 0.25 1.0 0\n",
+            1);
+    EXPECT_FALSE(a.stops()) << a.text();
+    EXPECT_NE(a.text().find("!! warning !! K above wt. will not be used"), std::string::npos);
+    EXPECT_EQ(a.m.por[18], 0.3);
+    EXPECT_EQ(a.m.por[13], 0.25);
 }
 
 // The checks after the zones, on a media filled by hand.

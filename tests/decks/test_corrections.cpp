@@ -1,0 +1,69 @@
+#include "support/deck_run.hpp"
+#include "support/small_deck.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <sstream>
+
+// Decks that once crashed, stopped without need, or ran on with a failure passing as
+// success.
+
+namespace {
+
+// The small deck with one transport-only layer of 1 m above its flow grid (ksat 0).
+std::vector<std::pair<std::string, std::string>> unsat_deck(const std::string& options, const std::string& ranges)
+{
+    return {{"[options]", options},
+            {"[ngx]", "1 1 2"},
+            {"[zg]", "2.0 3.0"},
+            {"[nlz]", "2 1"},
+            {"[ranges]", ranges},
+            {"[heat bottom]", "1 4 1 2 8.0 0"},
+            {"[tinit]", "1 4 1 2 1 4 8.0 5.0 0"},
+            {"[cinit]", "1 4 1 2 1 4 0.0 0.0 0"}};
+}
+
+TEST(Corrections, ExternalGridWithUnsaturatedLayers)
+{
+    // kgo 4 reads every node of the transport grid from grid3d.plt, x stretched by 1.5
+    std::ostringstream grid;
+    grid << "external grid\nfour levels\nzone i=       4, j=       2, k=       4\n";
+    for (int i = 1; i <= 4; ++i)
+        for (int j = 1; j <= 2; ++j)
+            for (int k = 1; k <= 4; ++k) grid << 1.5 * (i - 1) << " " << (j - 1) << " " << (k - 1) << " 0\n";
+    const DeckRun r = run_deck(small_deck(unsat_deck("0 0 0 0 0 4 0 3 0 0 0 1 0 0",
+                                                     "1 9 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0")),
+                               {{"grid3d.plt", grid.str()}});
+    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+    EXPECT_TRUE(r.has(" unsat check with grid3d.plt ..."));
+    const std::string f = r.dir->read("tc3d1_gelmor.out");
+    EXPECT_NE(f.find("\n   0.450000E+01   0.100000E+01   0.300000E+01"), std::string::npos) << f;
+}
+
+TEST(Corrections, UnsaturatedRangesAndBlocksReachingAboveTheGridAreTaken)
+{
+    // 9 transport elements: a range and a block past them warn and store what exists
+    const DeckRun r = run_deck(small_deck(unsat_deck(
+        "0 0 0 0 0 0 0 3 0 0 0 1 0 0",
+        "1 20 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0")) /* range past net */);
+    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+    EXPECT_TRUE(r.has_message("!! warning !! K above wt. will not be used"));
+    auto blocks = unsat_deck("0 0 0 0 0 0 0 3 0 0 0 1 0 0", "1 9 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0");
+    blocks.push_back({"[blocks]", "1 3 1 1 3 7 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.25 1.0 0"});
+    const DeckRun b = run_deck(small_deck(blocks));
+    ASSERT_TRUE(b.has("**** normal exit ****")) << b.listing;
+}
+
+TEST(Corrections, ElementVolumesAfterEveryStepThatSolvedFlow)
+{
+    const DeckRun r = run_deck(small_deck());
+    ASSERT_TRUE(r.has("**** normal exit ****"));
+    int n = 0;
+    for (std::size_t p = r.listing.find("total domain volume"); p != std::string::npos;
+         p = r.listing.find("total domain volume", p + 1))
+        ++n;
+    EXPECT_EQ(n, 3) << "setup and the two steps";
+}
+
+}  // namespace
