@@ -6,6 +6,7 @@
 #include "output/fortran_format.hpp"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 namespace {
@@ -96,7 +97,10 @@ void dirichlet_patches(Ctx& c, int face)
                 }
                 if (node <= 0 || node > c.nn)
                     stop_run(c.lst, {"Error in Dirichlet b.c.: iglobal_node <0 or >nn)",
-                                     free_line("iglobal_node,nn = ", node, (long long)c.nn), "Program stopping ..."});
+                                     node >= INT_MIN && node <= INT_MAX
+                                         ? free_items("iglobal_node,nn = ", (int)node, c.nn)
+                                         : free_items("iglobal_node,nn = ", node, (long long)c.nn),
+                                     "Program stopping ..."});
                 c.fi.fc[node] = value;
                 c.fi.idir[node] = 1;
             }

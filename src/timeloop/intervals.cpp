@@ -3,11 +3,15 @@
 #include "control/stop.hpp"
 #include "input/deck_io.hpp"
 
-void read_interval_head(RecordReader& rd, const Listing& lst, IntervalRecord& iv)
+void read_interval_times(RecordReader& rd, const Listing& lst, IntervalRecord& iv)
 {
     const Slot t1[] = {iv.t1, iv.t2, iv.dt, iv.k2dfreq, iv.kflowfreq, iv.k3dfreq, iv.kmomfreq, iv.more};
     read_record_eof(rd, lst, {"error reading time step data ...", "program stopping ..."}, t1);
     if (!(iv.t1 < iv.t2)) stop_run(lst, {"error detected in time step data", "check and rerun ... program stopping "});
+}
+
+void read_interval_changes(RecordReader& rd, const Listing& lst, IntervalRecord& iv)
+{
     read_worded(rd, lst, "record T2 (hinc rinc rtdiff bzfmult)", {"error reading hinc,rinc,rtdiff", "program stopping ..."},
                 iv.hinc, iv.rinc, iv.rtdiff, iv.bzfmult);
 }

@@ -25,8 +25,10 @@ struct HeaterRecord {
 };
 struct SourceRecord { int i = 0, j = 0, k1 = 0, k2 = 0; double qs = 0, ts = 0, cs = 0; };
 
-// T1 and T2.  End of file on T1 has its own words.
-void read_interval_head(RecordReader& rd, const Listing& lst, IntervalRecord& iv);
+// T1, with its checks; end of file on it has its own words.
+void read_interval_times(RecordReader& rd, const Listing& lst, IntervalRecord& iv);
+// T2.
+void read_interval_changes(RecordReader& rd, const Listing& lst, IntervalRecord& iv);
 // One T3 patch record; returns false when the list ends with it (an index 0 or more <= 0).
 bool read_patch(RecordReader& rd, const Listing& lst, PatchRecord& p, bool& active);
 // One T4 heater record and its `more`.

@@ -22,18 +22,22 @@ void start_interval(RunState& rs, RecordReader& rd, const Listing& lst)
 {
     LoopState& L = rs.loop;
     IntervalRecord& iv = L.iv;
-    read_interval_head(rd, lst, iv);
+    read_interval_times(rd, lst, iv);
     // a step that does not advance the clock would never reach t2
     if (!(iv.dt > 0)) stop_run(lst, {"error detected in time step data", "check and rerun ... program stopping "});
     iv.t1 *= day;
     iv.t2 *= day;
     iv.dt *= day;
+    if (!std::isfinite(1.0 / iv.dt) || iv.t1 + iv.dt == iv.t1 || iv.t2 + iv.dt == iv.t2)
+        stop_run(lst, {"error, time step dt too small to advance the clock", free_items("dt (days) = ", iv.dt / day),
+                       "program stopping ..."});
     lst.line(free_line("time interval from", iv.t1 / day, " to ", iv.t2 / day));
     lst.line(free_line("time step dt =    ", iv.dt / day));
     lst.line(free_line("2d plot frequency =      ", iv.k2dfreq));
     lst.line(free_line("flow update frequency =  ", iv.kflowfreq));
     lst.line(free_line("3d plot frequency =      ", iv.k3dfreq));
     lst.line(free_line("moment/tpeak frequency = ", iv.kmomfreq));
+    read_interval_changes(rd, lst, iv);
     lst.line(free_line("hinc,rinc,rtdiff,bzfmult:", iv.hinc, iv.rinc, iv.rtdiff, iv.bzfmult));
 
     const Grid& g = rs.grid;

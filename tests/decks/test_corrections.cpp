@@ -67,3 +67,30 @@ TEST(Corrections, ElementVolumesAfterEveryStepThatSolvedFlow)
 }
 
 }  // namespace
+
+namespace {
+
+TEST(Corrections, ExactLayoutsOfTwoMessages)
+{
+    // a Dirichlet node past the grid: ten blanks and 32-bit fields on the second line
+    const DeckRun d = run_deck(small_deck({{"[heat top]", "1 9 1 2 5.0 0"}}));
+    EXPECT_TRUE(d.has_message("Error in Dirichlet b.c.: iglobal_node <0 or >nn)")) << d.listing;
+    EXPECT_TRUE(d.has("\n          iglobal_node,nn =          "));
+    EXPECT_FALSE(d.has("\n           iglobal_node"));
+    // a run stopped at T2 shows the T1 echo first
+    const DeckRun t = run_deck(small_deck({{"[T2]", "a b c d"}}));
+    EXPECT_TRUE(t.has(" moment/tpeak frequency =            1\n")) << t.listing;
+    EXPECT_TRUE(t.has_message("error reading hinc,rinc,rtdiff"));
+}
+
+TEST(Corrections, StepThatCannotAdvanceTheClockStopsAtOnce)
+{
+    for (const char* dt : {"1.0e-320", "1.0e-18"}) {
+        const DeckRun r = run_deck(small_deck({{"[T1]", std::string("1.0e6 1.1e6 ") + dt + " 1 1 1 1 0"},
+                                               {"[print times]", "0.0 0.0 0.0 0.0 0.0"}}));
+        EXPECT_TRUE(r.has_message("error, time step dt too small to advance the clock")) << dt << r.listing;
+        EXPECT_FALSE(r.has("time step #"));
+    }
+}
+
+}  // namespace
