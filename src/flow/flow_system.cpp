@@ -72,7 +72,7 @@ void flow_step(const Grid& g, const Media& m, const Fractures& fr, const Element
     const FreezeParams& pf = fp.fracture;
 
     int nodes[9], tnodes[9];
-    double ek[9][9], es[9][9], rhs[9], gv[9];
+    double ek[9][9] = {}, es[9][9] = {}, rhs[9] = {}, gv[9] = {};  // kept when kint is neither 0 nor 1
     for (int l = 1; l <= g.ne; ++l) {
         for (int a = 1; a <= 8; ++a) {
             nodes[a] = node_at(g.in, l, a);

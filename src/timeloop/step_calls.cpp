@@ -2,6 +2,7 @@
 
 #include "control/limits.hpp"
 #include "control/run_state.hpp"
+#include "control/stop.hpp"
 #include "element/hex.hpp"
 #include "flow/flow_system.hpp"
 #include "flow/type_change.hpp"
@@ -13,6 +14,8 @@
 #include "solver/lower_csr.hpp"
 #include "transport/heat_step.hpp"
 #include "transport/mass_step.hpp"
+
+#include <cmath>
 
 void initial_output(RunState& rs, const Listing&) { initial_plot_output(rs); }
 void apply_forcing(RunState& rs, const Listing& lst)
@@ -46,10 +49,30 @@ FlowParams flow_params(const RunState& rs)
 }
 }  // namespace
 
+namespace {
+// A solution that is not finite cannot recover in later solves: the run stops at the
+// first such node with the time, instead of ending as if nothing had happened.
+void stop_if_not_finite(const char* field, const std::vector<double>& u, int n, const RunState& rs, bool flow_nodes,
+                        const Listing& lst)
+{
+    for (int i = 1; i <= n; ++i) {
+        if (std::isfinite(u[i])) continue;
+        const Grid& g = rs.grid;
+        const int t = flow_nodes ? g.nmap[i] : i;
+        stop_run(lst, {std::string("error, the ") + field + " solution is not a finite number",
+                       free_items("first at node", i, " x,y,z:", g.x[t], g.y[t], g.z[t]),
+                       free_items("time (days):", rs.loop.tdays),
+                       "check the deck's values there: conductivities, apertures, sizes, options",
+                       "program stopping ..."});
+    }
+}
+}  // namespace
+
 void flow_solve(RunState& rs, const Listing& lst, const Console& con)
 {
     flow_step(rs.grid, rs.media, rs.frac, rs.tables, flow_params(rs), rs.src.qsrc, rs.flow, rs.f, rs.work, rs.bs, con,
               lst);
+    stop_if_not_finite("flow", rs.f.u, rs.grid.nn, rs, true, lst);
 }
 
 void compute_velocities(RunState& rs, const Listing&)
@@ -105,6 +128,7 @@ void mass_transport(RunState& rs, const Listing& lst, const Console&)
 {
     mtran(rs.grid, rs.media, rs.frac, rs.vel, rs.tables, mass_params(rs), MassSources{rs.src.qsrc, rs.src.csrc},
           rs.mass, rs.f, rs.work, rs.cmat, lst);
+    stop_if_not_finite("mass transport", rs.f.t2, rs.grid.nnt, rs, false, lst);
     lst.line(free_line("mass transport(v2) solution complete at t= ", rs.loop.tdays));
     // fixed heads follow the weight of the new concentrations
     if (rs.deck.gammac > 0)
@@ -143,6 +167,7 @@ void heat_transport_v1(RunState& rs, const Listing& lst, const Console&)
 {
     htran1(rs.grid, rs.media, rs.frac, rs.vel, rs.tables, heat_params(rs), heat_top(rs), heat_sources(rs), rs.heat,
            rs.f, rs.work, rs.cmat, lst);
+    stop_if_not_finite("heat transport", rs.f.t1, rs.grid.nnt, rs, false, lst);
     lst.line(free_line("heat transport(v1) solution complete at t= ", rs.loop.tdays));
 }
 
@@ -150,6 +175,7 @@ void heat_transport_v2(RunState& rs, const Listing& lst, const Console&)
 {
     htran2(rs.grid, rs.media, rs.frac, rs.vel, rs.tables, heat_params(rs), heat_top(rs), heat_sources(rs), rs.heat,
            rs.f, rs.work, rs.cmat, lst);
+    stop_if_not_finite("heat transport", rs.f.t1, rs.grid.nnt, rs, false, lst);
     lst.line(free_line("heat transport(v2) solution complete at t= ", rs.loop.tdays));
 }
 

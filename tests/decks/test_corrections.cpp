@@ -94,3 +94,20 @@ TEST(Corrections, StepThatCannotAdvanceTheClockStopsAtOnce)
 }
 
 }  // namespace
+
+namespace {
+
+TEST(Corrections, NoSilentNaN)
+{
+    // a fracture aperture of 1e308 spoils the flow system: the first solve that is not
+    // finite stops the run, naming its field and node
+    const DeckRun r = run_deck(small_deck({{"[fractures]", "1 3 1 1 1 2 2 1 1.0e308 0"}}));
+    EXPECT_TRUE(r.has("\n          error, the flow solution is not a finite number\n          first at node")) << r.listing;
+    EXPECT_FALSE(r.has("normal exit"));
+    // an unknown element option builds no matrix: the solver refuses it at once
+    const DeckRun k = run_deck(small_deck({{"[options]", "0 0 0 3 0 0 1 3 0 0 0 1 0 0"}}));
+    EXPECT_TRUE(k.has("pcg has been assigned a matrix with")) << k.listing;
+    EXPECT_FALSE(k.has("normal exit"));
+}
+
+}  // namespace
