@@ -77,31 +77,67 @@ bool open_files(Files& files, const std::filesystem::path& dir)
     files.out.resize(max_unit);
     files.in.resize(max_unit);
     files.present.assign(max_unit, false);
+    files.name.assign(max_unit, "");
+    files.problem.clear();
+    files.unopened.clear();
+    files.failed.clear();
+    const std::string where = " in " + dir.string();
     for (const FileEntry& f : file_table()) {
         const auto path = dir / f.name;
+        files.name[f.unit] = f.name;
         if (f.mode == OpenAs::old) {
-            auto s = std::make_unique<std::ifstream>(path, std::ios::binary);
-            if (s->is_open()) {
+            std::error_code ec;
+            const bool exists = std::filesystem::exists(path, ec);
+            const bool regular = exists && std::filesystem::is_regular_file(path, ec);
+            auto s = regular ? std::make_unique<std::ifstream>(path, std::ios::binary) : nullptr;
+            if (s && s->is_open()) {
                 files.present[f.unit] = true;
                 files.in[f.unit] = std::move(s);
             } else if (f.unit == unit::deck) {
+                files.problem = !exists    ? "no gelmor.data" + where
+                                : !regular ? "gelmor.data" + where + " is not a file"
+                                           : "gelmor.data" + where + " cannot be read";
                 return false;
             }
         } else {
             files.out[f.unit] = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
+            if (files.out[f.unit]->is_open()) continue;
+            if (f.unit == unit::lst) {
+                files.problem = "cannot write gelmor.lst" + where;
+                return false;
+            }
+            files.unopened.push_back(f.name);
         }
     }
     return true;
 }
 
+std::vector<std::string> flush_files(Files& files)
+{
+    std::vector<std::string> failed;
+    for (std::size_t u = 0; u < files.out.size(); ++u) {
+        if (!files.out[u]) continue;
+        files.out[u]->flush();
+        if (files.out[u]->fail()) failed.push_back(files.name[u]);
+    }
+    failed.insert(failed.end(), files.failed.begin(), files.failed.end());
+    return failed;
+}
+
 std::ofstream& open_late(Files& files, int unit, const char* name)
 {
     files.out[unit] = std::make_unique<std::ofstream>(files.dir / name, std::ios::binary | std::ios::trunc);
+    files.name[unit] = name;
+    if (!files.out[unit]->is_open()) files.unopened.push_back(name);
     return *files.out[unit];
 }
 
 void close_unit(Files& files, int unit)
 {
-    if (files.out[unit]) files.out[unit].reset();
+    if (files.out[unit]) {
+        files.out[unit]->flush();
+        if (files.out[unit]->fail()) files.failed.push_back(files.name[unit]);
+        files.out[unit].reset();
+    }
     if (files.in[unit]) files.in[unit].reset();
 }

@@ -24,14 +24,22 @@ struct Files {
     std::vector<std::unique_ptr<std::ofstream>> out;  // by unit: create files
     std::vector<std::unique_ptr<std::ifstream>> in;   // by unit: old files that exist
     std::vector<bool> present;                        // by unit: an old file was found
+    std::vector<std::string> name;                    // by unit: file name, for messages
+    std::string problem;                              // why the table could not be opened
+    std::vector<std::string> unopened;                // result files that could not be created
+    std::vector<std::string> failed;                  // files closed early whose writes failed
 
     std::ofstream& w(int unit) { return *out[unit]; }
     std::ifstream* r(int unit) { return in[unit].get(); }
 };
 
-// Opens the whole table in dir.  Returns false, with nothing opened, when the deck is
-// missing: a run cannot start without it.
+// Opens the whole table in dir.  Returns false with `problem` set when the run cannot
+// start: the deck is missing, not a file or unreadable, or the listing cannot be created.
+// Result files that cannot be created are listed in `unopened`.  An optional input that
+// is not a regular file counts as missing.
 bool open_files(Files& files, const std::filesystem::path& dir);
+// Flushes every output; returns the names of those whose writes failed.
+std::vector<std::string> flush_files(Files& files);
 // Opens a late create file (fracture geometry, function table) under a unit.
 std::ofstream& open_late(Files& files, int unit, const char* name);
 void close_unit(Files& files, int unit);

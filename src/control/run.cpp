@@ -222,12 +222,21 @@ int run_gelmor(const std::filesystem::path& dir, std::ostream& console)
 {
     RunState rs;
     if (!open_files(rs.files, dir)) {
-        // without its deck a run cannot start, and nothing is created
-        std::cerr << "gelmor: no gelmor.data in " << dir.string() << "\n";
+        // without its deck or its listing a run cannot start
+        std::cerr << "gelmor: " << rs.files.problem << "\n";
         return 2;
     }
     Listing lst{rs.files.out[unit::lst].get()};
     Console con{&console};
+    // a result that cannot be written would be lost without a word: the run does not start
+    if (!rs.files.unopened.empty()) {
+        for (const std::string& name : rs.files.unopened) {
+            lst.line("cannot create result file " + name);
+            std::cerr << "gelmor: cannot create result file " << name << " in " << dir.string() << "\n";
+        }
+        lst.flush();
+        return 2;
+    }
     RecordReader rd(*rs.files.r(unit::deck), "gelmor.data");
     int status = 0;
     try {
@@ -235,7 +244,13 @@ int run_gelmor(const std::filesystem::path& dir, std::ostream& console)
     } catch (const RunStopped& s) {
         status = s.status;
     }
-    lst.flush();
+    if (!rs.files.unopened.empty()) status = 2;  // a file opened late
+    for (const std::string& name : rs.files.unopened) std::cerr << "gelmor: cannot create result file " << name << "\n";
     console.flush();
+    // a full disk shows only here: what could not be written is named, and the run fails
+    for (const std::string& name : flush_files(rs.files)) {
+        std::cerr << "gelmor: writing " << name << " in " << dir.string() << " failed\n";
+        status = 2;
+    }
     return status;
 }

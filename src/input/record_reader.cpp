@@ -5,6 +5,25 @@
 #include <cstdlib>
 #include <limits>
 
+namespace {
+// A value as a message shows it: control bytes (a NUL among them) escaped, so that the
+// listing stays text.
+std::string shown(std::string_view v)
+{
+    std::string out;
+    for (const char ch : v) {
+        const unsigned char c = static_cast<unsigned char>(ch);
+        if (c >= 32 && c != 127) {
+            out.push_back(ch);
+            continue;
+        }
+        static const char hex[] = "0123456789abcdef";
+        out += c == 0 ? std::string("\\0") : std::string("\\x") + hex[c >> 4] + hex[c & 15];
+    }
+    return out;
+}
+}  // namespace
+
 RecordReader::RecordReader(std::istream& in, std::string file_name) : in_(in), name_(std::move(file_name)) {}
 
 bool RecordReader::next_line()
@@ -134,7 +153,7 @@ ReadStatus RecordReader::next_item(std::string_view& text)
         }
         int repeat = 0;
         if (!parse_int(item.substr(0, star), repeat) || repeat < 1) {
-            problem_ = "bad repeat count in \"" + std::string(item) + "\"";
+            problem_ = "bad repeat count in \"" + shown(item) + "\"";
             return ReadStatus::bad;
         }
         repeat_text_ = std::string(item.substr(star + 1));
@@ -152,8 +171,7 @@ ReadStatus RecordReader::value(const Slot& s)
     if (st != ReadStatus::ok || slashed_ || text.empty()) return st;
     const bool good = s.i ? parse_int(text, *s.i) : parse_real(text, *s.d);
     if (!good) {
-        problem_ = std::string(s.i ? "expected an integer" : "expected a number") + ", found \"" + std::string(text) +
-                   "\"";
+        problem_ = std::string(s.i ? "expected an integer" : "expected a number") + ", found \"" + shown(text) + "\"";
         return ReadStatus::bad;
     }
     return ReadStatus::ok;

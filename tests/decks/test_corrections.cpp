@@ -1,9 +1,12 @@
+#include "control/run_state.hpp"
 #include "support/deck_run.hpp"
 #include "support/small_deck.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <iostream>
 #include <sstream>
 
 // Decks that once crashed, stopped without need, or ran on with a failure passing as
@@ -108,6 +111,65 @@ TEST(Corrections, NoSilentNaN)
     const DeckRun k = run_deck(small_deck({{"[options]", "0 0 0 3 0 0 1 3 0 0 0 1 0 0"}}));
     EXPECT_TRUE(k.has("pcg has been assigned a matrix with")) << k.listing;
     EXPECT_FALSE(k.has("normal exit"));
+}
+
+}  // namespace
+
+namespace {
+
+// A run of the small deck in a directory prepared by `prepare`, its standard error caught.
+struct PreparedRun {
+    ScratchDir dir{"prepared"};
+    int status = -1;
+    std::string err, listing;
+    template <class F>
+    explicit PreparedRun(F&& prepare, bool with_deck = true)
+    {
+        if (with_deck) dir.write("gelmor.data", small_deck());
+        prepare(dir.path);
+        std::ostringstream console, cerr_text;
+        std::streambuf* old = std::cerr.rdbuf(cerr_text.rdbuf());
+        status = run_gelmor(dir.path, console);
+        std::cerr.rdbuf(old);
+        err = cerr_text.str();
+        listing = dir.read("gelmor.lst");
+    }
+};
+
+TEST(Corrections, NothingIsLostSilently)
+{
+    namespace fs = std::filesystem;
+    const PreparedRun deck_dir([](const fs::path& p) { fs::create_directory(p / "gelmor.data"); }, false);
+    EXPECT_EQ(deck_dir.status, 2);
+    EXPECT_NE(deck_dir.err.find("gelmor.data in " + deck_dir.dir.path.string() + " is not a file"), std::string::npos)
+        << deck_dir.err;
+
+    const PreparedRun lst_dir([](const fs::path& p) { fs::create_directory(p / "gelmor.lst"); });
+    EXPECT_EQ(lst_dir.status, 2);
+    EXPECT_NE(lst_dir.err.find("cannot write gelmor.lst"), std::string::npos) << lst_dir.err;
+
+    const PreparedRun plot_dir([](const fs::path& p) { fs::create_directory(p / "gelmor_txz.plt"); });
+    EXPECT_EQ(plot_dir.status, 2);
+    EXPECT_NE(plot_dir.err.find("cannot create result file gelmor_txz.plt"), std::string::npos) << plot_dir.err;
+    EXPECT_NE(plot_dir.listing.find("cannot create result file gelmor_txz.plt"), std::string::npos);
+
+    // a file on a full disk: its writes fail, and only the final flush can tell
+    const PreparedRun full([](const fs::path& p) { fs::create_symlink("/dev/full", p / "gelmor_hxz.plt"); });
+    EXPECT_EQ(full.status, 2);
+    EXPECT_NE(full.err.find("writing gelmor_hxz.plt in"), std::string::npos) << full.err;
+
+    // a directory in place of an optional input is a missing input
+    const PreparedRun hbdy([](const fs::path& p) { fs::create_directory(p / "hbdy.data"); });
+    EXPECT_EQ(hbdy.status, 0);
+    EXPECT_NE(hbdy.listing.find("no hbdy.data file found ... continuing"), std::string::npos);
+    EXPECT_NE(hbdy.listing.find("**** normal exit ****"), std::string::npos);
+}
+
+TEST(Corrections, ControlBytesInAValueAreShownEscaped)
+{
+    const DeckRun r = run_deck(small_deck({{"[init]", "0 " + std::string("1.0\x01", 4) + std::string(1, '\0') + "4"}}));
+    EXPECT_EQ(r.status, 2);
+    EXPECT_TRUE(r.has("found \"1.0\\x01\\04\"")) << r.listing;
 }
 
 }  // namespace
