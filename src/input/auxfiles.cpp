@@ -206,8 +206,8 @@ void read_bzin(Files& files, const Listing& lst, ForcingTables& t)
     for (int k = 1; k <= n; ++k) {
         BzPoint& p = t.bz[k];
         if (rd.value(p.time) != ReadStatus::ok || rd.value(p.nzones) != ReadStatus::ok) fail();
-        // a time point holds at most 8 zones; more would not fit its row
-        if (p.nzones > 8) fail();
+        p.nzones = std::max(p.nzones, 0);
+        p.zone.assign(p.nzones + 1, BzZone{});
         for (int z = 1; z <= p.nzones; ++z) {
             BzZone& zn = p.zone[z];
             for (const Slot& s : {Slot(zn.ix1), Slot(zn.ix2), Slot(zn.bz), Slot(zn.bzflx), Slot(zn.bzq)})

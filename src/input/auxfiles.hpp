@@ -14,7 +14,7 @@ struct BzZone { int ix1 = 0, ix2 = 0; double bz = 0, bzflx = 0, bzq = 0; };
 struct BzPoint {
     double time = 0;                // days
     int nzones = 0;
-    std::array<BzZone, 9> zone{};   // zones 1..nzones (at most 8)
+    std::vector<BzZone> zone;       // zones 1..nzones (8 are usual; more are taken)
     double tdiff = 0;               // surface temperature offset
 };
 struct ForcingTables {

@@ -53,8 +53,10 @@ void layer_from_table(const SurfaceInputs& in, Forcing& fo, std::vector<double>&
     const BzPoint& r1 = beyond ? tb[i] : tb[i + 1];
     const auto lerp = [&](double a, double b) { return beyond ? a : a + f * (b - a); };
     for (int z = 1; z <= r.nzones; ++z) {
+        // a zone the next row lacks interpolates towards zero
+        static const BzZone none{};
         const BzZone& a = r.zone[z];
-        const BzZone& b = r1.zone[z];
+        const BzZone& b = z <= r1.nzones ? r1.zone[z] : none;
         // zone ranges come from a file the deck does not check: columns off the grid are skipped
         for (int ix = std::max(a.ix1, 1); ix <= std::min(a.ix2, g.nx); ++ix)
             for (int iy = 1; iy <= g.ny; ++iy) {

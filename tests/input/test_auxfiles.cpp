@@ -106,6 +106,13 @@ TEST(AuxFiles, TablesOfTheSurfaceForcing)
     EXPECT_EQ(s.t.bz[2].nzones, 2);
     EXPECT_DOUBLE_EQ(s.t.bz[2].zone[2].bz, 0.6);
     EXPECT_DOUBLE_EQ(s.t.bz[2].tdiff, 1.5);
+    // more than eight zones are taken: storage follows the file
+    std::string nine = "bz\n1\n0.0 9";
+    for (int z = 1; z <= 9; ++z) nine += " " + std::to_string(z) + " " + std::to_string(z) + " 0.5 0.0 " + std::to_string(z);
+    o = with_files({{"bzin.data", nine + " 0.0\n"}}, [&](Files& f, const Listing& l) { read_bzin(f, l, s.t); });
+    ASSERT_FALSE(o.stopped) << o.listing;
+    EXPECT_EQ(s.t.bz[1].nzones, 9);
+    EXPECT_DOUBLE_EQ(s.t.bz[1].zone[9].bzq, 9.0);
 }
 
 TEST(AuxFiles, GivenVelocitiesAndSeabedTable)

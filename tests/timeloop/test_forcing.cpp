@@ -53,7 +53,11 @@ BzPoint bz_row(double time, double tdiff, std::initializer_list<BzZone> zones)
     BzPoint p;
     p.time = time;
     p.tdiff = tdiff;
-    for (const BzZone& z : zones) p.zone[++p.nzones] = z;
+    p.zone.assign(1, BzZone{});
+    for (const BzZone& z : zones) {
+        p.zone.push_back(z);
+        ++p.nzones;
+    }
     return p;
 }
 
