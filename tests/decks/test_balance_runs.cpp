@@ -147,3 +147,146 @@ TEST(BalanceRuns, RecoveryUndefinedWithoutInjection)
     EXPECT_TRUE(r.has(" thermal energy recovery undefined"));
     EXPECT_FALSE(r.has("thermal recovery efficiency"));
 }
+
+// Two wells in the steady deck: heads fall linearly from 10 m at x = 0 to 9 m at x = 3,
+// temperatures from 8 C at the bottom to 5 C at the top, no solute; to the solvers' 1e-4.
+TEST(HistoryRuns, WellMeansAndExtremes)
+{
+    const DeckRun r = run_deck(small_deck({{"[wells]", "2 1 1 3 1\n3 2 2 3 0"}}));
+    ASSERT_EQ(r.status, 0) << r.listing;
+    const std::string brk = r.dir->read("break.plt");
+    EXPECT_TRUE(check_plot_text(brk, e_rows(6, 15, 6)).ok()) << check_plot_text(brk, e_rows(6, 15, 6)).text();
+    EXPECT_EQ(split_lines(brk).at(0), "title=\"breakthrough data set at      2 wells\"");
+    EXPECT_EQ(split_lines(brk).at(2), "zone i=      2, T=\"monitor   1\"");
+    const auto w = rows(brk, 3);  // two rows of each well
+    ASSERT_EQ(w.size(), 4u);
+    const double well1[] = {10.0 - 1.0 / 3.0, 6.5, 8.0, 5.0, 0.0};
+    const double well2[] = {10.0 - 2.0 / 3.0, 5.75, 6.5, 5.0, 0.0};
+    for (int n = 0; n < 2; ++n)
+        for (int c = 1; c <= 5; ++c) {
+            EXPECT_NEAR(w[n][c], well1[c - 1], 2e-4) << n << " " << c;
+            EXPECT_NEAR(w[2 + n][c], well2[c - 1], 2e-4) << n << " " << c;
+        }
+    EXPECT_NEAR(w[1][0], 2.0, 1e-6);
+}
+
+TEST(HistoryRuns, WellsOffTheGridAndNone)
+{
+    const DeckRun bad = run_deck(small_deck({{"[wells]", "9 1 1 3 0"}}));
+    EXPECT_TRUE(bad.has_message("error in breakthrough curve nodes ixw() etc.")) << bad.listing;
+    EXPECT_TRUE(bad.has_message("btc node =           49"));
+    EXPECT_TRUE(bad.has_message("stopping ..."));
+
+    const DeckRun none = run_deck(small_deck({}));
+    ASSERT_EQ(none.status, 0);
+    EXPECT_EQ(none.dir->read("break.plt"), "title=\"breakthrough data set at      0 wells\"\n"
+                                           "variables=\"time\",\"Havg\",\"Tavg\",\"Tpeak\",\"Tmin\",\"cpkwell\"\n");
+}
+
+namespace {
+// One short step of heat only, insulated, on the grid and initial field given: the field
+// hardly moves, so the fronts are those of the initial field.
+std::vector<std::pair<std::string, std::string>> frozen_start(std::vector<std::pair<std::string, std::string>> grid)
+{
+    return with(with(insulated, {{"[T1]", "0.0 0.001 0.001 1 1 1 1 0"}}), grid);
+}
+}  // namespace
+
+// Rows x = 0..3 at -4, -2, 0, 2 C on a grid of one element layer: Ts = -1 C lies half way
+// between x = 1 and x = 2.  A row all above Ts has its front at x(1).
+TEST(HistoryRuns, FrontAlongX)
+{
+    const std::vector<std::pair<std::string, std::string>> row = {
+        {"[nlz]", "1"},
+        {"[ranges]", "1 3 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"},
+        {"[flow face 1]", "1 2 1 2 10.0 0"},
+        {"[flow face 2]", "1 2 1 2 10.0 0"},
+        {"[knoz]", "1 0 0 0 0"}};
+    auto deck = row;
+    deck.push_back({"[tinit]", "1 1 1 2 1 2 -4.0 -4.0 1\n2 2 1 2 1 2 -2.0 -2.0 1\n3 3 1 2 1 2 0.0 0.0 1\n"
+                               "4 4 1 2 1 2 2.0 2.0 0"});
+    const DeckRun r = run_deck(small_deck(frozen_start(deck)));
+    ASSERT_EQ(r.status, 0) << r.listing;
+    const std::string xf = r.dir->read("gelmor_1dxfront.plt");
+    EXPECT_TRUE(check_plot_text(xf, e_rows(2, 15, 5)).ok()) << xf;
+    EXPECT_EQ(split_lines(xf).at(0), "title=\"freezing front location: 1dx at knoy(1),knoz(1)\"");
+    EXPECT_NEAR(rows(xf, 3).at(0).at(1), 1.5, 1e-3);
+
+    // one element along x, both x faces held at 5 C: the first pair is equal and above Ts
+    const DeckRun w = run_deck(small_deck(frozen_start(
+        {{"[xg]", "3.0"}, {"[nlx]", "1"}, {"[nlz]", "1"}, {"[ranges]", "1 1 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"},
+         {"[flow face 1]", "1 2 1 2 10.0 0"}, {"[flow face 2]", "1 2 1 2 10.0 0"}, {"[knoz]", "1 0 0 0 0"},
+         {"[heat kb]", "1 1 0 0 0 0 0\n1 2 1 2 5.0 0\n1 2 1 2 5.0 0"}, {"[tinit]", "1 2 1 2 1 2 5.0 5.0 0"}})));
+    ASSERT_EQ(w.status, 0) << w.listing;
+    const std::string wf = w.dir->read("gelmor_1dxfront.plt");
+    EXPECT_EQ(wf.find("NaN"), std::string::npos);
+    EXPECT_TRUE(check_plot_text(wf, e_rows(2, 15, 5)).ok()) << wf;
+    EXPECT_EQ(rows(wf, 3).at(0).at(1), 0.0);
+}
+
+// On a grid neither one layer nor one row deep the fronts are not looked for.
+TEST(HistoryRuns, NoFrontsOnOtherGrids)
+{
+    const DeckRun w = run_deck(small_deck(insulated));
+    ASSERT_EQ(w.status, 0);
+    for (const char* f : {"gelmor_1dxfront.plt", "gelmor_1dzfront.plt"}) {
+        const auto rs = rows(w.dir->read(f), 3);
+        ASSERT_EQ(rs.size(), 10u) << f;
+        for (const auto& row : rs)
+            for (std::size_t c = 1; c < row.size(); ++c) EXPECT_EQ(row[c], 0.0) << f;
+    }
+}
+
+// A column from 3 C at the bottom to -3 C at the top, 2 m high: T = Ts = -1 C at 2/3 m
+// below the top, found from above by both walks.
+TEST(HistoryRuns, FrontDownTheColumn)
+{
+    const DeckRun r = run_deck(small_deck(frozen_start({
+        {"[xg]", "3.0"},
+        {"[nlx]", "1"},
+        {"[nlz]", "4"},
+        {"[ranges]", "1 4 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"},
+        {"[flow face 1]", "1 2 1 5 10.0 0"},
+        {"[flow face 2]", "1 2 1 5 10.0 0"},
+        {"[tinit]", "1 2 1 2 1 5 3.0 -3.0 0"},
+    })));
+    ASSERT_EQ(r.status, 0) << r.listing;
+    const std::string zf = r.dir->read("gelmor_1dzfront.plt");
+    EXPECT_TRUE(check_plot_text(zf, e_rows(3, 15, 5)).ok()) << zf;
+    EXPECT_EQ(split_lines(zf).at(1), "variables=\"time(days)\",\" z_T>0\",\"z_T<0\"");
+    const auto z = rows(zf, 3).at(0);
+    EXPECT_NEAR(z.at(1), 2.0 / 3.0, 1e-3);
+    EXPECT_NEAR(z.at(2), 2.0 / 3.0, 1e-3);
+}
+
+// T = z in a column of 25 layers of 2 cm with a heater over its whole height: the levels
+// are the layers 12 cm clear of both ends (z1 = 0.12 .. 0.36), and each mean is the mean
+// node height of its window, 4 cm below the layer to 8 cm above it: z1 + 0.02.
+TEST(HistoryRuns, HeaterMeansOfALinearField)
+{
+    const DeckRun r = run_deck(small_deck(frozen_start({
+        {"[xg]", "1.0"},
+        {"[zg]", "0.5"},
+        {"[nlx]", "1"},
+        {"[nlz]", "25"},
+        {"[ranges]", "1 25 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"},
+        {"[flow face 1]", "1 2 1 26 10.0 0"},
+        {"[flow face 2]", "1 2 1 26 10.0 0"},
+        {"[tinit]", "1 2 1 2 1 26 0.0 0.5 0"},
+        {"[knoz]", "1 0 0 0 0"},
+        {"[T4]", "1 1 1 1 1 25 0.0 0.0 0.0 0"},
+    })));
+    ASSERT_EQ(r.status, 0) << r.listing;
+    const std::string pz = r.dir->read("heatercolumnavg_1Dz.plt");
+    EXPECT_TRUE(check_plot_text(pz, e_rows(2, 15, 5)).ok()) << pz;
+    const auto lv = rows(pz, 3);
+    ASSERT_EQ(lv.size(), 13u);
+    for (int m = 0; m < 13; ++m) {
+        const double z1 = 0.12 + 0.02 * m;
+        EXPECT_NEAR(lv[m][0], z1 + 0.01, 1e-6);
+        EXPECT_NEAR(lv[m][1], z1 + 0.02, 1e-4);
+    }
+    const std::string pt = r.dir->read("heatercolumnavg_vs_t.plt");
+    EXPECT_TRUE(check_plot_text(pt, e_rows(2, 15, 6)).ok()) << pt;
+    EXPECT_EQ(check_plot_text(pt, e_rows(2, 15, 6)).zones, 13);
+}
