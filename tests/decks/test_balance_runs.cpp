@@ -290,3 +290,21 @@ TEST(HistoryRuns, HeaterMeansOfALinearField)
     EXPECT_TRUE(check_plot_text(pt, e_rows(2, 15, 6)).ok()) << pt;
     EXPECT_EQ(check_plot_text(pt, e_rows(2, 15, 6)).zones, 13);
 }
+
+// The steady deck at its moment steps: 1.5 C/m upward through 3 m2 of top and bottom at
+// the bulk conductivity of water-filled ground, all 1.8 m3 of pore water unfrozen.
+TEST(BalanceRuns, BoundaryFluxesOfTheSteadyDeck)
+{
+    const DeckRun r = run_deck(small_deck({}));
+    ASSERT_EQ(r.status, 0) << r.listing;
+    const std::string bf = r.dir->read("heatflux_bndy.plt");
+    EXPECT_TRUE(check_plot_text(bf, e_rows(10, 15, 5)).ok()) << bf;
+    const double s = 0.3 * std::sqrt(0.58) + 0.7 * std::sqrt(2.0);
+    const auto q = rows(bf, 2);
+    ASSERT_EQ(q.size(), 2u);
+    for (const auto& row : q) {
+        EXPECT_NEAR(row[5], 4.5 * s * s, 1e-3 * 4.5 * s * s);
+        EXPECT_NEAR(row[6], 4.5 * s * s, 1e-3 * 4.5 * s * s);
+        EXPECT_NEAR(row[7], 1.8, 1e-4);
+    }
+}
