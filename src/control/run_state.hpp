@@ -13,7 +13,9 @@
 #include "solver/solver_work.hpp"
 #include "input/deck.hpp"
 #include "output/plot_state.hpp"
+#include "timeloop/balances.hpp"
 #include "timeloop/forcing.hpp"
+#include "timeloop/histories.hpp"
 #include "timeloop/sources.hpp"
 #include "timeloop/time_loop.hpp"
 
@@ -43,6 +45,8 @@ struct RunState {
     Sources src;                   // heaters and fluid sources of the interval
     Patches patches;               // surface temperature patches of the interval
     LoopState loop;                // clock and counters of the time loop
+    Balances bal;                  // heat and fluid balances, boundary fluxes, mass inventory
+    Histories hist;                // per-step series of wells, fronts and heater means
     PlotOutputs plots;             // counters and buffer of the result files
     SolverWork work;               // matrix values, right-hand side and solver work of one solve
     std::vector<double> bs;        // flow storage and buoyancy terms by equation

@@ -158,7 +158,7 @@ void initial_plot_output(RunState& rs)
     const PlotContext c = context(rs, true);
     plot_step_files(rs, c, s);
     // the first heat record: contents of the initial state, no flows yet
-    write_htot(rs.files.w(plot_unit::htot), 0.0, HeatTotals{p.heat.htotr, p.heat.htota, 0.0, 0.0, 0.0}, p.rec);
+    write_htot(rs.files.w(plot_unit::htot), 0.0, HeatTotals{rs.bal.heat.htotr, rs.bal.heat.htota, 0.0, 0.0, 0.0}, p.rec);
     ++p.n_htot;
     if (p.t1dz_on) {
         write_t1dz_time(rs.files.w(plot_unit::t1dz_tdum), c, p.rec);
@@ -187,15 +187,15 @@ void step_plot_output(RunState& rs)
     }
     // the heat totals every step: the record repeats the last contents when the heat
     // content was not recomputed
-    write_htot(fl.w(plot_unit::htot), L.tdays, p.heat, b);
+    write_htot(fl.w(plot_unit::htot), L.tdays, rs.bal.heat, b);
     ++p.n_htot;
     if (L.lplot2d) plot_step_files(rs, c, s);
     // the K section and the surface flux map need both a plot and a moment step
     if (L.lmom) {
         if (L.lplot2d) write_kplot(fl.w(plot_unit::kplot), c, b);
-        write_heatfluxtop(fl.w(plot_unit::heatfluxtop), c, p.top, b);
-        if (L.lplot2d) write_surface_flux(fl.w(plot_unit::surface_flux), c, p.top, b);
-        write_bndy(fl.w(plot_unit::bndy), L.tdays, p.bndy, b);
+        write_heatfluxtop(fl.w(plot_unit::heatfluxtop), c, rs.bal.top, b);
+        if (L.lplot2d) write_surface_flux(fl.w(plot_unit::surface_flux), c, rs.bal.top, b);
+        write_bndy(fl.w(plot_unit::bndy), L.tdays, rs.bal.bndy, b);
         ++p.n_bndy;
     }
     // the time plots thin the steps out: every second step for the short vertical
@@ -215,7 +215,7 @@ void step_plot_output(RunState& rs)
             write_field_file(fl.w(plot_unit::tc3d1 + k - 1), c, b);
     if (L.lmovie) write_movie_frame(fl.w(plot_unit::movie), c, p.movie_frames, b);
     if (L.lmom && s.mass) {
-        write_mass(fl.w(plot_unit::mass), L.tdays, p.mass, b);
+        write_mass(fl.w(plot_unit::mass), L.tdays, rs.bal.mass, b);
         ++p.n_mass;
     }
 }

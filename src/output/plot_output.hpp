@@ -12,7 +12,8 @@ constexpr int txz = 8, hxz = 9, tbck = 11, vxz = 12, txy = 14, tyz = 16, peak = 
               hyz = 21, vfracxz = 22, tdif = 25, tc3d1 = 26, t1dx = 31, v3d = 32, vfracxy = 33, vxy = 34,
               movie = 35, vyz = 36, mass = 40, tpeak = 41, t1dz_tdum = 43, surface_flux = 44, hxy = 46,
               t1dx_tdum = 49, kplot = 51, vfracset1 = 52, bndy = 54, peclet = 59, hflux_xl = 60, bzq = 61,
-              cxz = 62, heatfluxtop = 63, debug_1dx = 88;
+              cxz = 62, heatfluxtop = 63, debug_1dx = 88, brk = 15, xfront = 42, heater_z = 55,
+              heater_t = 56, zfront = 58;
 }
 
 // Setup: the headers, the t = 0 sections and profiles, the first heat total record and

@@ -1,5 +1,6 @@
 #pragma once
 #include "output/plot_rows.hpp"
+#include "timeloop/balances.hpp"
 
 // Time series of one record a step (heat totals, peak temperatures, boundary fluxes,
 // mass sums) behind an open-ended zone line, and the element maps of the moment steps:

@@ -57,6 +57,7 @@ void set_heater_faces(const HeaterRecord& h, int ix, int iy, int e, const Grid& 
 void read_heaters(RecordReader& rd, const Listing& lst, int kmass, const Grid& g, Sources& s)
 {
     s.nheat = 0;
+    s.nhcol = 0;
     s.decay2 = 0;
     int ncols = 0;
     double area_all = 0, vol_all = 0, flux_all = 0, fpl_all = 0;
@@ -107,6 +108,7 @@ void read_heaters(RecordReader& rd, const Listing& lst, int kmass, const Grid& g
                     vol += g.dxe[e] * g.dye[e] * g.dze[e];
                 }
         const int columns = std::max(h.i2 - h.i1 + 1, 0) * std::max(h.j2 - h.j1 + 1, 0);
+        s.nhcol += columns;
         const double mean_height = columns > 0 ? height / columns : 0.0;
         const double flux = h.fluxin1 * area + h.fluxin2 * vol;
         const double per_length = mean_height != 0 ? flux / mean_height : 0.0;

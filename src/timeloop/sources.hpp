@@ -9,6 +9,7 @@
 // Heater columns and nodal fluid sources of the current interval.
 struct Sources {
     int nheat = 0;                 // heater elements over all records
+    int nhcol = 0;                 // heater element columns (ix, iy) over all records
     std::vector<int> helem;        // element of heater entry l (transport numbering)
     std::vector<double> fluxin1;   // surface heat flux of entry l (W/m2)
     std::vector<double> fluxin2;   // volumetric heat source of entry l (W/m3)

@@ -10,6 +10,7 @@
 #include "flow/water_table.hpp"
 #include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
+#include "output/history_files.hpp"
 #include "output/plot_output.hpp"
 #include "solver/lower_csr.hpp"
 #include "transport/heat_step.hpp"
@@ -17,7 +18,6 @@
 
 #include <cmath>
 
-void initial_output(RunState& rs, const Listing&) { initial_plot_output(rs); }
 void apply_forcing(RunState& rs, const Listing& lst)
 {
     const SurfaceInputs in{rs.deck, rs.aux, rs.grid, rs.patches, rs.faces.areacol, rs.opt.ktair, rs.loop.tdays};
@@ -29,9 +29,6 @@ void update_boundary_heads(RunState& rs, const Listing& lst)
 }
 void peclet_courant_plot(RunState& rs) { peclet_output(rs); }
 void velocity_files(RunState& rs) { velocity_output(rs); }
-void balances(RunState&, const Listing&) {}
-void step_output(RunState& rs, const Listing&) { step_plot_output(rs); }
-void final_summaries(RunState& rs, const Listing&) { end_plot_output(rs); }
 
 namespace {
 FlowParams flow_params(const RunState& rs)
@@ -234,4 +231,103 @@ void update_element_volumes(RunState& rs, const Listing& lst)
     Grid& g = rs.grid;
     Media& m = rs.media;
     elvol(g.x, g.y, g.z, rs.tables.gauss, g.int8, m.vol, g.net, m.voltot, rs.opt.kint, g.dxe, g.dye, g.dze, lst);
+}
+
+namespace {
+BalanceConstants balance_constants(const RunState& rs)
+{
+    const Deck& d = rs.deck;
+    return BalanceConstants{d.cf, d.ci * d.rhoi, d.tcon, d.medium, rs.opt.lheat};
+}
+
+bool flow_only(const RunState& rs) { return rs.opt.kcntrl == 1 || rs.opt.kcntrl == 3; }
+
+// The solute inventory is kept only with the extra outputs of a solute run.
+bool mass_series(const RunState& rs) { return rs.opt.kprt == 1 && (rs.opt.kmass == 1 || rs.opt.kmass == 3); }
+}  // namespace
+
+// Setup: the reference temperature and the initial heat content with their echo, the
+// initial solute inventory, then the t = 0 output.
+void initial_output(RunState& rs, const Listing& lst)
+{
+    const Grid& g = rs.grid;
+    Balances& b = rs.bal;
+    size_balances(b, g);
+    size_histories(rs.hist, (int)rs.deck.wells.size(), g);
+    b.tref = rs.f.t1[g.nzt / 2];
+    if (rs.opt.lheat) {
+        heat_content(g, rs.media, rs.f, balance_constants(rs), b);
+        lst.line(free_line("reference temperature for heat: tref   : ", b.tref));
+        lst.line(free_line("reference temperature for heat: tref2  : ", 0.0));
+        lst.line(free_line("initial absolute heat content (wrt Tref): ", b.heat.htota));
+        lst.line(free_line("initial relative heat content (wrt t2mpa: ", b.heat.htotr));
+    }
+    // the initial state is what the first step starts from
+    if (mass_series(rs)) mass_inventory(g, rs.media, rs.frac, rs.src, rs.f.t2, b.mass0);
+    initial_plot_output(rs);
+    heater_profile_header(rs.plots.rec);
+    write_block(rs.files.w(plot_unit::heater_z), rs.plots.rec);
+}
+
+// After the time-level copies: the step's source, leak and recharge sums, and at a
+// moment step the surface and boundary fluxes and the mass series.
+void balances(RunState& rs, const Listing&)
+{
+    const Grid& g = rs.grid;
+    const LoopState& L = rs.loop;
+    const BalanceConstants k = balance_constants(rs);
+    if (!flow_only(rs))
+        step_balance(g, rs.f, rs.src, rs.forcing, rs.faces.areacol, k, rs.opt.kmass, L.iv.dt, rs.bal);
+    if (L.lmom) {
+        surface_fluxes(g, rs.media, rs.f, rs.vel, rs.aux, k, rs.bal);
+        boundary_fluxes(g, rs.media, rs.f, rs.vel, k, L.iv.dt, rs.bal);
+        // the series follows the temperature field, unlike the initial inventory: kept so
+        if (mass_series(rs)) mass_inventory(g, rs.media, rs.frac, rs.src, rs.f.t1, rs.bal.mass);
+    }
+}
+
+// The new heat content on the moved grid and the balance lines, the step's files, and
+// the histories of wells, fronts and heater columns.
+void step_output(RunState& rs, const Listing& lst)
+{
+    const LoopState& L = rs.loop;
+    const Options& o = rs.opt;
+    Balances& b = rs.bal;
+    b.content_now = !flow_only(rs) && (o.kmass == 3 || (o.kmass == 0 && (L.lplot2d || L.lmom)));
+    if (b.content_now) {
+        heat_content(rs.grid, rs.media, rs.f, balance_constants(rs), b);
+        // an empty content has no relative error to show
+        const double err = b.heat.htota != 0 ? 100 * (b.heat.htota - b.hexp) / b.heat.htota : 0.0;
+        lst.line(free_line("heat balance (%) ..................  ", err));
+    }
+    if (!flow_only(rs) && rs.src.lsrc) {
+        lst.line(free_line("fluid volume injected  this step: ", b.qin * L.iv.dt));
+        lst.line(free_line("fluid volume withdrawn this step: ", b.qout * L.iv.dt));
+    }
+    step_plot_output(rs);
+
+    const Grid& g = rs.grid;
+    Histories& h = rs.hist;
+    record_time(h, L.numit, L.tdays);
+    record_wells(g, rs.f, rs.deck.wells, o.ksat, L.numit, h, lst);
+    if (o.lheat) record_fronts(g, rs.f, rs.deck.knox, rs.deck.knoy, rs.deck.knoz, rs.deck.medium.Ts, L.numit, h);
+    if (rs.src.nheat > 0) {
+        record_heaters(g, rs.f, rs.src, L.numit, h);
+        write_heater_profile(rs.files.w(plot_unit::heater_z), h, L.numit, L.tdays, rs.plots.rec);
+    }
+}
+
+// End of run: the closing lines of the result files, the series kept in memory, and the
+// recoveries.
+void final_summaries(RunState& rs, const Listing& lst)
+{
+    end_plot_output(rs);
+    Files& fl = rs.files;
+    const Histories& h = rs.hist;
+    const long long n = rs.loop.numit;
+    std::string& b = rs.plots.rec;
+    write_break(fl.w(plot_unit::brk), h, n, b);
+    write_fronts(fl.w(plot_unit::xfront), fl.w(plot_unit::zfront), h, n, rs.deck.medium.Ts, b);
+    write_heater_series(fl.w(plot_unit::heater_t), h, n, b);
+    recovery_summary(rs.bal, rs.opt.kmass, rs.opt.kcntrl, rs.src.lsrc, lst);
 }
