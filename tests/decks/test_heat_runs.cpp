@@ -133,3 +133,89 @@ TEST(HeatRuns, SeasonalFrostExampleFreezesAndThawsTheTop)
 }
 
 }  // namespace
+
+namespace {
+
+// One column 3 m deep in layers of 2 cm at the freezing point, its top held at -5 C
+// from t = 0: the front of gelmor_1dzfront.plt (Ts = -0.0693, where half the water is
+// frozen) against the one-phase Neumann solution.
+const char* const stefan_deck = R"(freezing front
+one column frozen from the top
+heat only, latent heat in the storage
+0 2 0 0 0 0 1 0 0 0 0 1 0 0
+1 1 1
+1.0
+1.0
+3.0
+1
+1
+150
+0 0.0 0.0
+0 0 0 0 0
+0 0 0 0 0 0 0 0 0.0 0
+1 1 0 0 0 0 0
+1 2 1 151 10.0 0
+1 2 1 151 10.0 0
+1 150 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0
+0 0 0 0 0 0 0 0 0 0 0 0 0 0 0
+1.0e-4
+0 10.0
+0 0 0 0 0 1 0
+1 2 1 2 -5.0 0
+2.0 0.3 1.0
+1 2 5.0 0.0 365.0 0.0 -50.0 0.0 0.0 -1
+0.1 0.0 365.0 0.0 0.0 0.0 0.0
+1.0 0.0 365.0 0.0 0.0 0.0 0.0
+0.0 0.0 1.0 0.0 0.0 0.0 0.0
+1 0.0 0.0 0.0 1
+0.0 0.0 0.0 0.0 0.0 1.0 0.0 0.0 0
+4186.0 1000.0 2100.0 917.0 0.6 2.24 334000.0
+0.0 10.0 -0.0693147 1.0 1 0
+0.0 10.0 -0.0693147 1.0 1 0
+1 2 1 2 1 151 0.0 0.0 0
+1.0e-4 1.0e-6 1.0e-2 1.0e-3 30 3
+0.0 0.0 5.0
+1 0 0 0 0
+1 0 0 0 0
+1 0 0 0 0
+100.0 0.0 0.0 0.0 0.0
+0.0 30.0 0.1 100000 1 100000 100000 0
+0.0 1.0 0.0 1.0
+0 0 0 0 0.0 0
+0 0 0 0 0 0 0.0 0.0 0.0 0
+0 0 0 0 0.0 0.0 0.0 0
+)";
+
+TEST(HeatRuns, FreezingFrontSeriesFollowsNeumann)
+{
+    const DeckRun r = run_deck(stefan_deck);
+    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+    std::istringstream in(r.dir->read("gelmor_1dzfront.plt"));
+    std::string line;
+    double t = 0, z1 = 0, z2 = 0;
+    int rows = 0;
+    while (std::getline(in, line)) {
+        std::istringstream ls(line);
+        double a, b, c;
+        if (ls >> a >> b >> c) {
+            t = a;
+            z1 = b;
+            z2 = c;
+            ++rows;
+        }
+    }
+    ASSERT_EQ(rows, 300);
+    const double por = 0.3, Cf = 0.7 * 800.0 * 2650.0 + por * 2100.0 * 917.0;
+    const double kf = std::pow(por * std::sqrt(2.24) + 0.7 * std::sqrt(2.0), 2), L = por * 917.0 * 334000.0;
+    const double St = Cf * 5.0 / L;
+    double lo = 0, hi = 2;
+    for (int i = 0; i < 100; ++i) {
+        const double mid = (lo + hi) / 2;
+        (mid * std::exp(mid * mid) * std::erf(mid) < St / std::sqrt(M_PI) ? lo : hi) = mid;
+    }
+    const double front = 2 * lo * std::sqrt(kf / Cf * t * 86400.0);
+    EXPECT_NEAR(z1, front, 0.03 * front) << "t = " << t;
+    EXPECT_TRUE(std::isfinite(z2));
+}
+
+}  // namespace
