@@ -168,3 +168,32 @@ TEST(TransportRuns, FreezingPassesThatDoNotSettleEndAtTheLimit)
 }
 
 }  // namespace
+
+namespace {
+
+TEST(TransportRuns, WellInTheSoluteColumnSeesTheFrontPass)
+{
+    // a well screened over the whole height at x = 20 m: its peak concentration follows
+    // the Ogata-Banks breakthrough there, step by step
+    std::string deck = example_deck("solute_column");
+    const std::string none = "0 0 0 0 0                     monitor wells: none (one dummy record)";
+    ASSERT_NE(deck.find(none), std::string::npos);
+    deck.replace(deck.find(none), none.size(), "41 1 1 2 0");
+    const DeckRun r = run_deck(deck);
+    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
+    std::istringstream in(r.dir->read("break.plt"));
+    std::string line;
+    int rows = 0;
+    while (std::getline(in, line)) {
+        std::istringstream ls(line);
+        double t, havg, tavg, tpk, tmin, cpk;
+        if (!(ls >> t >> havg >> tavg >> tpk >> tmin >> cpk)) continue;
+        ++rows;
+        EXPECT_NEAR(cpk, ogata_banks(20.0, t * 86400.0, 1e-5, 0.5e-5), 0.01) << "t = " << t;
+        EXPECT_DOUBLE_EQ(havg, 10.0);  // the uniform initial head, never solved (ivel 1)
+        EXPECT_DOUBLE_EQ(tavg, 5.0);
+    }
+    EXPECT_EQ(rows, 800);
+}
+
+}  // namespace
