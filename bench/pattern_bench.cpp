@@ -1,7 +1,7 @@
 // Boundary index and matrix pattern of a large box: the cost of mindex for a
 // 100 x 100 x 100 node grid with fixed heads on two faces.
-#include "control/listing.hpp"
-#include "control/options.hpp"
+#include "base/listing.hpp"
+#include "base/options.hpp"
 #include "flow/mindex.hpp"
 #include "grid/gengrid.hpp"
 #include "support/box_grid.hpp"

@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "solver/lower_csr.hpp"
 #include "solver/pcg_icc.hpp"
 #include "solver/pcg_ssor.hpp"

@@ -1,7 +1,7 @@
 #include "control/run_state.hpp"
 
-#include "control/limits.hpp"
-#include "control/stop.hpp"
+#include "base/limits.hpp"
+#include "base/stop.hpp"
 #include "element/function_table.hpp"
 #include "element/hex.hpp"
 #include "flow/mindex.hpp"

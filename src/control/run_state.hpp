@@ -1,7 +1,7 @@
 #pragma once
-#include "control/fields.hpp"
-#include "control/files.hpp"
-#include "control/options.hpp"
+#include "base/fields.hpp"
+#include "base/files.hpp"
+#include "base/options.hpp"
 #include "element/tables.hpp"
 #include "flow/field_index.hpp"
 #include "grid/deformation.hpp"

@@ -1,7 +1,7 @@
 #pragma once
 #include <span>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "element/tables.hpp"
 
 // The trilinear 8-node hexahedron: shape functions and Jacobian at a local point, the

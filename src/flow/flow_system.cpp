@@ -1,6 +1,6 @@
 #include "flow/flow_system.hpp"
 
-#include "control/limits.hpp"
+#include "base/limits.hpp"
 #include "element/fracture_geometry.hpp"
 #include "element/hex.hpp"
 #include "solver/lower_csr.hpp"

@@ -1,5 +1,5 @@
 #pragma once
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "flow/field_index.hpp"
 #include "input/record_reader.hpp"
 

@@ -1,6 +1,6 @@
 #include "flow/type_change.hpp"
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "flow/mindex.hpp"
 #include "output/fortran_format.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
-#include "control/fields.hpp"
-#include "control/listing.hpp"
+#include "base/fields.hpp"
+#include "base/listing.hpp"
 #include "flow/field_index.hpp"
 #include "flow/velocities.hpp"
 #include "grid/grid.hpp"

@@ -9,7 +9,7 @@ struct Velocities {
     std::vector<double> vx2d, vy2d;  // plane fractures, in-plane components
 };
 
-#include "control/fields.hpp"
+#include "base/fields.hpp"
 #include "element/tables.hpp"
 #include "grid/fractures.hpp"
 #include "grid/grid.hpp"

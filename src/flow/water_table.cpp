@@ -1,6 +1,6 @@
 #include "flow/water_table.hpp"
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "grid/deformation.hpp"
 #include "output/fortran_format.hpp"
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <vector>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "grid/grid.hpp"
 
 // The free water table: the top nwtl element layers of every free column deform so that

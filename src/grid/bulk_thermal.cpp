@@ -1,6 +1,6 @@
 #include "grid/bulk_thermal.hpp"
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 
 #include <algorithm>

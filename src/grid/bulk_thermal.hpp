@@ -1,6 +1,6 @@
 #pragma once
-#include "control/fields.hpp"
-#include "control/listing.hpp"
+#include "base/fields.hpp"
+#include "base/listing.hpp"
 #include "element/fluid.hpp"
 #include "grid/grid.hpp"
 #include "grid/properties.hpp"

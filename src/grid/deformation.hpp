@@ -1,8 +1,8 @@
 #pragma once
 #include <vector>
 
-#include "control/fields.hpp"
-#include "control/listing.hpp"
+#include "base/fields.hpp"
+#include "base/listing.hpp"
 #include "element/fluid.hpp"
 #include "grid/grid.hpp"
 #include "grid/properties.hpp"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "control/limits.hpp"
-#include "control/stop.hpp"
+#include "base/limits.hpp"
+#include "base/stop.hpp"
 #include "element/fluid.hpp"
 #include "output/fortran_format.hpp"
 

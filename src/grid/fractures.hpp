@@ -2,7 +2,7 @@
 #include <ostream>
 #include <vector>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "grid/grid.hpp"
 
 // Discrete fractures: 1D pipes along brick edges and 2D planes on brick faces.  They add

@@ -1,8 +1,8 @@
 #include "grid/gengrid.hpp"
 
-#include "control/limits.hpp"
-#include "control/options.hpp"
-#include "control/stop.hpp"
+#include "base/limits.hpp"
+#include "base/options.hpp"
+#include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 
 #include <numeric>

@@ -1,5 +1,5 @@
 #pragma once
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "grid/grid.hpp"
 
 struct Options;

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <string>
 
-#include "control/limits.hpp"
-#include "control/stop.hpp"
+#include "base/limits.hpp"
+#include "base/stop.hpp"
 #include "input/record_reader.hpp"
 #include "output/fortran_format.hpp"
 

@@ -2,7 +2,7 @@
 #include <istream>
 #include <vector>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "grid/grid.hpp"
 
 // Element properties of the medium.  Zones are applied in reading order, so a later zone

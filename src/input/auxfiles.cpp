@@ -1,7 +1,7 @@
 #include "input/auxfiles.hpp"
 
-#include "control/limits.hpp"
-#include "control/stop.hpp"
+#include "base/limits.hpp"
+#include "base/stop.hpp"
 #include "input/deck_io.hpp"
 #include "input/record_reader.hpp"
 #include "output/fortran_format.hpp"

@@ -1,8 +1,8 @@
 #pragma once
-#include "control/fields.hpp"
-#include "control/files.hpp"
-#include "control/listing.hpp"
-#include "control/options.hpp"
+#include "base/fields.hpp"
+#include "base/files.hpp"
+#include "base/listing.hpp"
+#include "base/options.hpp"
 #include "flow/velocities.hpp"
 #include "grid/grid.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
-#include "control/listing.hpp"
-#include "control/options.hpp"
+#include "base/listing.hpp"
+#include "base/options.hpp"
 #include "element/fluid.hpp"
 #include "grid/fractures.hpp"
 #include "grid/grid.hpp"

@@ -1,6 +1,6 @@
 #include "input/deck_io.hpp"
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 
 void input_failure(const RecordReader& rd, const Listing& lst, std::string_view what, ReadStatus st)
 {

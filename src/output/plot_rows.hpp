@@ -1,6 +1,6 @@
 #pragma once
-#include "control/fields.hpp"
-#include "control/options.hpp"
+#include "base/fields.hpp"
+#include "base/options.hpp"
 #include "flow/velocities.hpp"
 #include "grid/fractures.hpp"
 #include "grid/grid.hpp"

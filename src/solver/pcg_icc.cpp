@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string>
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 #include "solver/lower_csr.hpp"
 #include "solver/entry_pairs.hpp"

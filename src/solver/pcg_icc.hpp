@@ -1,7 +1,7 @@
 #pragma once
 #include <span>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "solver/pattern.hpp"
 
 // The transport solver: conjugate gradients preconditioned by an incomplete LDL^T

@@ -1,7 +1,7 @@
 #pragma once
 #include <span>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "solver/pattern.hpp"
 
 // The flow solver: conjugate gradients with an adaptive block preconditioner, one

@@ -2,7 +2,7 @@
 #include <vector>
 
 // Block capacity the flow step hands to ssor::pcg: a limit with a message, not a size.
-// The work length limit is max_work (control/limits.hpp).
+// The work length limit is max_work (base/limits.hpp).
 constexpr int maxblk = 1'000'000;
 
 // Values and work shared by all fields: one solve at a time owns them.  All vectors are

@@ -1,6 +1,6 @@
 #include "timeloop/forcing.hpp"
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "element/fluid.hpp"
 #include "output/fortran_format.hpp"
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "flow/field_index.hpp"
 #include "grid/grid.hpp"
 #include "input/auxfiles.hpp"

@@ -1,7 +1,7 @@
 #include "timeloop/histories.hpp"
 
-#include "control/limits.hpp"
-#include "control/stop.hpp"
+#include "base/limits.hpp"
+#include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 
 #include <algorithm>

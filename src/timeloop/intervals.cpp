@@ -1,6 +1,6 @@
 #include "timeloop/intervals.hpp"
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "input/deck_io.hpp"
 
 void read_interval_times(RecordReader& rd, const Listing& lst, IntervalRecord& iv)

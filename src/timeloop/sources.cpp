@@ -1,6 +1,6 @@
 #include "timeloop/sources.hpp"
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 #include "timeloop/intervals.hpp"
 

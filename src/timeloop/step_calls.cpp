@@ -1,8 +1,8 @@
 #include "timeloop/step_calls.hpp"
 
-#include "control/limits.hpp"
+#include "base/limits.hpp"
 #include "control/run_state.hpp"
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "element/hex.hpp"
 #include "flow/flow_system.hpp"
 #include "flow/type_change.hpp"

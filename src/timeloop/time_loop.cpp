@@ -1,8 +1,8 @@
 #include "timeloop/time_loop.hpp"
 
-#include "control/limits.hpp"
+#include "base/limits.hpp"
 #include "control/run_state.hpp"
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 #include "timeloop/sources.hpp"
 #include "timeloop/step_calls.hpp"

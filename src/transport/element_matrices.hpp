@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <span>
 
-#include "control/options.hpp"
+#include "base/options.hpp"
 #include "element/tables.hpp"
 #include "solver/lower_csr.hpp"
 #include "transport/dispersion.hpp"

@@ -1,7 +1,7 @@
 #include "transport/heat_step.hpp"
 
-#include "control/limits.hpp"
-#include "control/stop.hpp"
+#include "base/limits.hpp"
+#include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 #include "transport/system.hpp"
 

@@ -2,8 +2,8 @@
 #include <span>
 #include <vector>
 
-#include "control/fields.hpp"
-#include "control/listing.hpp"
+#include "base/fields.hpp"
+#include "base/listing.hpp"
 #include "element/fluid.hpp"
 #include "element/tables.hpp"
 #include "flow/field_index.hpp"

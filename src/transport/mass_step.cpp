@@ -1,6 +1,6 @@
 #include "transport/mass_step.hpp"
 
-#include "control/limits.hpp"
+#include "base/limits.hpp"
 #include "transport/system.hpp"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "transport/system.hpp"
 
-#include "control/limits.hpp"
+#include "base/limits.hpp"
 #include "element/fracture_geometry.hpp"
 #include "solver/pcg_icc.hpp"
 #include "solver/stream_ahead.hpp"

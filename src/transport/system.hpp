@@ -2,7 +2,7 @@
 #include <span>
 #include <vector>
 
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 #include "element/tables.hpp"
 #include "flow/field_index.hpp"
 #include "flow/velocities.hpp"

@@ -1,4 +1,4 @@
-#include "control/files.hpp"
+#include "base/files.hpp"
 #include "control/run_state.hpp"
 #include "support/deck_run.hpp"
 

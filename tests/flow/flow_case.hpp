@@ -1,5 +1,5 @@
 #pragma once
-#include "control/options.hpp"
+#include "base/options.hpp"
 #include "flow/flow_system.hpp"
 #include "flow/mindex.hpp"
 #include "flow/velocities.hpp"

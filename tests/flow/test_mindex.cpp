@@ -1,4 +1,4 @@
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "flow/mindex.hpp"
 #include "support/box_grid.hpp"
 

@@ -1,5 +1,5 @@
-#include "control/options.hpp"
-#include "control/stop.hpp"
+#include "base/options.hpp"
+#include "base/stop.hpp"
 #include "grid/fractures.hpp"
 #include "grid/gengrid.hpp"
 #include "support/box_grid.hpp"

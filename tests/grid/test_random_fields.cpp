@@ -1,4 +1,4 @@
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "grid/properties.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "control/options.hpp"
+#include "base/options.hpp"
 #include "element/fluid.hpp"
 #include "grid/gengrid.hpp"
 #include "input/initial_state.hpp"

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "control/limits.hpp"
-#include "control/listing.hpp"
+#include "base/limits.hpp"
+#include "base/listing.hpp"
 #include "solver/pattern.hpp"
 #include "solver/pcg_icc.hpp"
 #include "solver/pcg_ssor.hpp"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "solver/lower_csr.hpp"
 #include "solver_test_util.hpp"
 

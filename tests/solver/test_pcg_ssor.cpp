@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "solver_test_util.hpp"
 
 namespace {

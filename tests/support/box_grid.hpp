@@ -1,6 +1,6 @@
 #pragma once
-#include "control/listing.hpp"
-#include "control/options.hpp"
+#include "base/listing.hpp"
+#include "base/options.hpp"
 #include "grid/gengrid.hpp"
 
 #include <sstream>

@@ -1,4 +1,4 @@
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "support/box_grid.hpp"
 #include "timeloop/forcing.hpp"
 

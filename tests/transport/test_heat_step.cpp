@@ -1,4 +1,4 @@
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 #include "support/closed_forms.hpp"
 #include "transport/heat_case.hpp"
 

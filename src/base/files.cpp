@@ -1,4 +1,4 @@
-#include "control/files.hpp"
+#include "base/files.hpp"
 
 const std::vector<FileEntry>& file_table()
 {

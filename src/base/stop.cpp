@@ -1,4 +1,4 @@
-#include "control/stop.hpp"
+#include "base/stop.hpp"
 
 void message(const Listing& lst, std::initializer_list<std::string> lines)
 {

@@ -1,5 +1,5 @@
 #pragma once
-#include "control/listing.hpp"
+#include "base/listing.hpp"
 
 // The only way a fatal condition ends a run: stop_run writes the message block to the
 // listing and throws RunStopped, which only the run frame catches.  Nothing goes to the
