@@ -308,3 +308,37 @@ TEST(BalanceRuns, BoundaryFluxesOfTheSteadyDeck)
         EXPECT_NEAR(row[7], 1.8, 1e-4);
     }
 }
+
+namespace {
+
+// The same steady deck: its surface files at the moment steps, and the peak trace.
+TEST(BalanceRuns, SurfaceFluxesAndPeakTraceOfTheSteadyDeck)
+{
+    const DeckRun r = run_deck(small_deck({}));
+    ASSERT_EQ(r.status, 0) << r.listing;
+    const double s = 0.3 * std::sqrt(0.58) + 0.7 * std::sqrt(2.0), k = s * s;
+    // conduction only (the water flows along x): 1.5 C/m times k out of every top stack
+    const std::string top = r.dir->read("heatfluxtop.plt");
+    int n = 0;
+    std::istringstream in(top);
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream ls(line);
+        std::vector<double> v;
+        for (double x; ls >> x;) v.push_back(x);
+        if (v.size() != 15) continue;
+        EXPECT_NEAR(std::fabs(v[11]), 1.5 * k, 2e-3 * 1.5 * k) << line;  // cond.flux W/m2
+        EXPECT_NEAR(v[13], 5.75, 1e-4);                                    // T of the top element
+        ++n;
+    }
+    EXPECT_GT(n, 0);
+    // the peak and the minimum of the y plane: the base and the top
+    const auto pk = rows(r.dir->read("peaktrace.plt"), 2);
+    ASSERT_FALSE(pk.empty());
+    for (const auto& row : pk) {
+        EXPECT_NEAR(row[1], 8.0, 1e-6);
+        EXPECT_NEAR(row[2], 5.0, 1e-6);
+    }
+}
+
+}  // namespace
