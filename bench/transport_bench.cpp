@@ -3,6 +3,8 @@
 // timed alone (both element paths) and with the ICC solve; a DRAM triad of 256 MiB
 // arrays, run in the same process, is the reference for the machine's state.
 #include "flow/type_change.hpp"
+#include "timeloop/balances.hpp"
+#include "timeloop/histories.hpp"
 #include "transport/heat_case.hpp"
 #include "transport/transport_case.hpp"
 
@@ -170,6 +172,34 @@ void BM_recondense(benchmark::State& state)
     report_memory(state);
 }
 BENCHMARK(BM_recondense)->Arg(100)->Unit(benchmark::kMillisecond)->Iterations(4);
+
+// The balances and histories of one step on the heat bench's box: the heat content, the
+// surface and boundary fluxes of a moment step, and three wells.  Compare with
+// BM_heat_step: their share of a step.
+void BM_balances(benchmark::State& state)
+{
+    auto c = make_heat_case((int)state.range(0), 0);
+    Balances b;
+    size_balances(b, c->g);
+    BalanceConstants k{c->hp.tc.cf, c->hp.tc.cice, 2.0, c->hp.medium, true};
+    ForcingTables aux;
+    Histories h;
+    const int n = (int)state.range(0);
+    const std::vector<Well> wells{{n / 2, n / 2, 1, n}, {2, 2, 1, n / 2}, {n - 1, n - 1, n / 2, n}};
+    size_histories(h, (int)wells.size(), c->g);
+    long long numit = 0;
+    for (auto _ : state) {
+        ++numit;
+        heat_content(c->g, c->m, c->f, k, b);
+        surface_fluxes(c->g, c->m, c->f, c->v, aux, k, b);
+        boundary_fluxes(c->g, c->m, c->f, c->v, k, 86400.0, b);
+        record_time(h, numit, numit * 1.0);
+        record_wells(c->g, c->f, wells, 1, numit, h, c->lst);
+        benchmark::DoNotOptimize(b.heat.htota);
+    }
+    report_memory(state);
+}
+BENCHMARK(BM_balances)->Arg(100)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 // a(i) = b(i) + s c(i) over three arrays of 256 MiB each: bytes moved per second
 void BM_Triad(benchmark::State& state)
