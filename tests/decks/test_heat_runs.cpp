@@ -10,59 +10,48 @@
 
 namespace {
 
-// A column of 1 x 1 m and 5 m depth in 100 layers, heat only, no flow (a given velocity
-// of zero), its top following a cosine air temperature of mean 7 C, amplitude 2 C and a
-// 10-day period through a -999 patch.  Profiles every second step at the column x = 0.
-const char* const periodic_deck = R"(periodic surface temperature
-a column under a cosine air temperature
-heat only
-0 2 0 0 0 0 1 0 0 0 0 1 0 0   options: transport only, heat v1
-1 1 1
-1.0
-1.0
-5.0
-1
-1
-100
-0 0.0 0.0
-0 0 0 0 0
-0 0 0 0 0 0 0 0 0.0 0
-1 1 0 0 0 0 0
-1 2 1 101 10.0 0
-1 2 1 101 10.0 0
-1 100 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0
-0 0 0 0 0 0 0 0 0 0 0 0 0 0 0
-1.0e-4
-0 10.0
-0 0 0 0 0 1 0                 heat: the top is held
-1 2 1 2 7.0 0
-2.0 0.3 1.0
-1 2 5.0 2.0 10.0 0.0 -50.0 0.0 0.0 -1   air: 5 + 2 + 2 cos(2 pi t/10)
-0.1 0.0 365.0 0.0 0.0 0.0 0.0
-1.0 0.0 365.0 0.0 0.0 0.0 0.0
-0.0 0.0 1.0 0.0 0.0 0.0 0.0
-1 0.0 0.0 0.0 1
-0.0 0.0 0.0 0.0 0.0 1.0 0.0 0.0 0
-4186.0 1000.0 2100.0 917.0 0.6 2.24 334000.0
-0.05 1.0 -1.0 1.0 0 0
-0.05 1.0 -1.0 1.0 0 0
-1 2 1 2 1 101 7.0 7.0 0
-1.0e-4 1.0e-3 1.0e-2 1.0e-3 3 3
-0.0 0.0 5.0
-1 0 0 0 0
-1 0 0 0 0
-1 0 0 0 0
-100.0 0.0 0.0 0.0 0.0
-0.0 40.0 0.05 100000 1 100000 100000 0
-0.0 1.0 0.0 1.0
-1 2 1 2 -999.0 0              the top follows the air
-0 0 0 0 0 0 0.0 0.0 0.0 0
-0 0 0 0 0.0 0.0 0.0 0
-)";
+// A heat-only column of 1 x 1 m, no flow (a given velocity of zero), its top held; the
+// profile every second step at the column x = 0.  The pieces that differ by test:
+struct Column {
+    double depth;          // m
+    int layers;
+    double top;            // C, the held top value (a -999 patch replaces it every step)
+    const char* air;       // the cosine set of the air temperature
+    const char* freezing;  // p q Ts omega modelwu modelkr, medium and fractures alike
+    double initial;        // C, the whole column
+    const char* control;   // ccp cct ccw ccc maxit1 maxit2
+    const char* interval;  // T1
+    const char* patch;     // T3
+};
+
+std::string column_deck(const Column& c)
+{
+    const int nz = c.layers + 1;
+    std::ostringstream d;
+    d << "heat column\na column under a surface temperature\nheat only\n"
+      << "0 2 0 0 0 0 1 0 0 0 0 1 0 0\n1 1 1\n1.0\n1.0\n" << c.depth << "\n1\n1\n" << c.layers << "\n"
+      << "0 0.0 0.0\n0 0 0 0 0\n0 0 0 0 0 0 0 0 0.0 0\n1 1 0 0 0 0 0\n"
+      << "1 2 1 " << nz << " 10.0 0\n1 2 1 " << nz << " 10.0 0\n"
+      << "1 " << c.layers << " 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0\n"
+      << "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n1.0e-4\n0 10.0\n0 0 0 0 0 1 0\n1 2 1 2 " << c.top << " 0\n"
+      << "2.0 0.3 1.0\n" << c.air << "\n0.1 0.0 365.0 0.0 0.0 0.0 0.0\n1.0 0.0 365.0 0.0 0.0 0.0 0.0\n"
+      << "0.0 0.0 1.0 0.0 0.0 0.0 0.0\n1 0.0 0.0 0.0 1\n0.0 0.0 0.0 0.0 0.0 1.0 0.0 0.0 0\n"
+      << "4186.0 1000.0 2100.0 917.0 0.6 2.24 334000.0\n" << c.freezing << "\n" << c.freezing << "\n"
+      << "1 2 1 2 1 " << nz << " " << c.initial << " " << c.initial << " 0\n" << c.control << "\n"
+      << "0.0 0.0 5.0\n1 0 0 0 0\n1 0 0 0 0\n1 0 0 0 0\n100.0 0.0 0.0 0.0 0.0\n" << c.interval << "\n"
+      << "0.0 1.0 0.0 1.0\n" << c.patch << "\n0 0 0 0 0 0 0.0 0.0 0.0 0\n0 0 0 0 0.0 0.0 0.0 0\n";
+    return d.str();
+}
+
+// 5 m in 100 layers under a cosine air temperature of mean 7 C, amplitude 2 C and a
+// 10-day period, followed through a -999 patch.
+const Column periodic{5.0, 100, 7.0, "1 2 5.0 2.0 10.0 0.0 -50.0 0.0 0.0 -1", "0.05 1.0 -1.0 1.0 0 0", 7.0,
+                      "1.0e-4 1.0e-3 1.0e-2 1.0e-3 3 3", "0.0 40.0 0.05 100000 1 100000 100000 0",
+                      "1 2 1 2 -999.0 0"};
 
 TEST(HeatRuns, PeriodicTopIsDampedAndDelayedWithDepth)
 {
-    const DeckRun r = run_deck(periodic_deck);
+    const DeckRun r = run_deck(column_deck(periodic));
     ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
     // t, z, T rows of t1dz_tdum.plt, every second step
     std::map<long, std::vector<std::pair<double, double>>> by_depth;  // z in cm -> (t, T)
@@ -139,56 +128,12 @@ namespace {
 // One column 3 m deep in layers of 2 cm at the freezing point, its top held at -5 C
 // from t = 0: the front of gelmor_1dzfront.plt (Ts = -0.0693, where half the water is
 // frozen) against the one-phase Neumann solution.
-const char* const stefan_deck = R"(freezing front
-one column frozen from the top
-heat only, latent heat in the storage
-0 2 0 0 0 0 1 0 0 0 0 1 0 0
-1 1 1
-1.0
-1.0
-3.0
-1
-1
-150
-0 0.0 0.0
-0 0 0 0 0
-0 0 0 0 0 0 0 0 0.0 0
-1 1 0 0 0 0 0
-1 2 1 151 10.0 0
-1 2 1 151 10.0 0
-1 150 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0
-0 0 0 0 0 0 0 0 0 0 0 0 0 0 0
-1.0e-4
-0 10.0
-0 0 0 0 0 1 0
-1 2 1 2 -5.0 0
-2.0 0.3 1.0
-1 2 5.0 0.0 365.0 0.0 -50.0 0.0 0.0 -1
-0.1 0.0 365.0 0.0 0.0 0.0 0.0
-1.0 0.0 365.0 0.0 0.0 0.0 0.0
-0.0 0.0 1.0 0.0 0.0 0.0 0.0
-1 0.0 0.0 0.0 1
-0.0 0.0 0.0 0.0 0.0 1.0 0.0 0.0 0
-4186.0 1000.0 2100.0 917.0 0.6 2.24 334000.0
-0.0 10.0 -0.0693147 1.0 1 0
-0.0 10.0 -0.0693147 1.0 1 0
-1 2 1 2 1 151 0.0 0.0 0
-1.0e-4 1.0e-6 1.0e-2 1.0e-3 30 3
-0.0 0.0 5.0
-1 0 0 0 0
-1 0 0 0 0
-1 0 0 0 0
-100.0 0.0 0.0 0.0 0.0
-0.0 30.0 0.1 100000 1 100000 100000 0
-0.0 1.0 0.0 1.0
-0 0 0 0 0.0 0
-0 0 0 0 0 0 0.0 0.0 0.0 0
-0 0 0 0 0.0 0.0 0.0 0
-)";
+const Column stefan{3.0, 150, -5.0, "1 2 5.0 0.0 365.0 0.0 -50.0 0.0 0.0 -1", "0.0 10.0 -0.0693147 1.0 1 0", 0.0,
+                    "1.0e-4 1.0e-6 1.0e-2 1.0e-3 30 3", "0.0 30.0 0.1 100000 1 100000 100000 0", "0 0 0 0 0.0 0"};
 
 TEST(HeatRuns, FreezingFrontSeriesFollowsNeumann)
 {
-    const DeckRun r = run_deck(stefan_deck);
+    const DeckRun r = run_deck(column_deck(stefan));
     ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
     std::istringstream in(r.dir->read("gelmor_1dzfront.plt"));
     std::string line;
