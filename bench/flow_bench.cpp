@@ -2,10 +2,13 @@
 // x faces, a vertical temperature gradient for density and viscosity, closed elsewhere.
 #include "flow/flow_case.hpp"
 #include "flow/water_table.hpp"
+#include "solver/lower_csr.hpp"
 
 #include <benchmark/benchmark.h>
 
 #include <sys/resource.h>
+
+#include <chrono>
 
 namespace {
 
@@ -36,6 +39,30 @@ void BM_flow_step(benchmark::State& state)
     state.counters["maxrss_MB"] = ru.ru_maxrss / 1024.0;
 }
 BENCHMARK(BM_flow_step)->Arg(50)->Arg(100)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// The flow assembly alone, ns per element: range(1) = 1 with the slots found in advance
+// (as a run has them), 0 with the searches.
+void BM_flow_assembly(benchmark::State& state)
+{
+    const int n = (int)state.range(0);
+    const std::string N = std::to_string(n);
+    FlowCase c(n - 1, n - 1, n - 1, 10.0, 10.0, 1.0,
+               "1 1 0 0 0 0 0\n1 " + N + " 1 " + N + " 10.0 0\n1 " + N + " 1 " + N + " 9.0 0\n", 1.0e-5, 1.0e-4, 0.3);
+    for (int k = 1; k <= c.g.nn; ++k) c.f.t1[k] = 4.0 + 10.0 * (1.0 - c.g.z[k] / c.g.zg[1]);
+    c.fp.lheat = true;
+    c.fp.dtinv = 1.0 / 86400.0;
+    if (state.range(1) == 1)
+        element_positions(c.flow.pat, c.g.in, c.g.ne, c.flow.idir, c.flow.ncum, c.g.nb, c.flow.epos);
+    double ns = 0;
+    for (auto _ : state) {
+        const auto t0 = std::chrono::steady_clock::now();
+        assemble_flow(c.g, c.m, c.fr, c.et, c.fp, c.qsrc, c.flow, c.f, c.w, c.bs);
+        benchmark::DoNotOptimize(c.w.a.data());
+        ns += std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - t0).count();
+    }
+    state.counters["ns_per_element"] = ns / ((double)c.g.ne * (double)state.iterations());
+}
+BENCHMARK(BM_flow_assembly)->Args({100, 0})->Args({100, 1})->Unit(benchmark::kMillisecond)->Repetitions(3);
 
 // One flow sequence with a free top: solve, test, move, until the table settles.  Heads
 // of 95 and 90 m on the x faces of a box 99 m tall; the top 10 layers deform.

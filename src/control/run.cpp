@@ -129,6 +129,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     mindex(rd, lst, 0, g.nn, g.ne, g.nx, g.ny, g.nz, g.in, g.x, g.y, g.z, g.nb, rs.flow, rs.faces, rs.wt);
     lst.flush();
     rs.fc0 = rs.flow.fc;
+    element_positions(rs.flow.pat, g.in, g.ne, rs.flow.idir, rs.flow.ncum, g.nb, rs.flow.epos);
     rs.top_idir.assign(g.nxy + 1, 0);
     for (int c = 1; c <= g.nxy; ++c) rs.top_idir[c] = rs.flow.idir[c * g.nz];
 

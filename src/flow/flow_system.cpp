@@ -5,9 +5,11 @@
 #include "element/hex.hpp"
 #include "solver/lower_csr.hpp"
 #include "solver/pcg_ssor.hpp"
+#include "solver/stream_ahead.hpp"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -20,11 +22,13 @@ struct Assembly {
 
 // Adds ek + es of an element with `n` nodes to the matrix; fixed neighbours are taken out
 // with ek alone, and the diagonal gathers the old-level storage and the buoyancy drive
-// rhs[i] into bs.
+// rhs[i] into bs.  `slots`, when given, are the element's positions found in advance
+// (a brick's 64, see ElementPositions): the same additions, without the searches.
 template <int N>
 void scatter_flow(const int nodes[N + 1], const double ek[N + 1][N + 1], const double es[N + 1][N + 1],
-                  const double rhs[N + 1], Assembly& as)
+                  const double rhs[N + 1], Assembly& as, const std::uint8_t* slots = nullptr)
 {
+    const int* ia = as.flow.pat.ia.data();
     const int* idir = as.flow.idir.data();
     const int* ncum = as.flow.ncum.data();
     const double* fc = as.flow.fc.data();
@@ -40,7 +44,8 @@ void scatter_flow(const int nodes[N + 1], const double ek[N + 1][N + 1], const d
             }
             const int m2 = q - ncum[q];
             if (m2 < m1) continue;
-            as.t.a[lower_position(as.t, m1, m2)] += ek[i][j] + es[i][j];
+            const int pos = slots ? ia[m2] + slots[(i - 1) * 8 + j - 1] - 1 : lower_position(as.t, m1, m2);
+            as.t.a[pos] += ek[i][j] + es[i][j];
             if (i == j) as.bs[m1] = es[i][i] * as.u0[p] + as.bs[m1] - rhs[i];
         }
     }
@@ -55,9 +60,9 @@ double mean_at(const std::vector<double>& v, const std::vector<int>& nmap, const
 
 }  // namespace
 
-void flow_step(const Grid& g, const Media& m, const Fractures& fr, const ElementTables& et, const FlowParams& fp,
-               const std::vector<double>& qsrc, const FieldIndex& flow, Fields& f, SolverWork& w,
-               std::vector<double>& bs, const Console& con, const Listing& lst, int* steps)
+void assemble_flow(const Grid& g, const Media& m, const Fractures& fr, const ElementTables& et, const FlowParams& fp,
+                   const std::vector<double>& qsrc, const FieldIndex& flow, const Fields& f, SolverWork& w,
+                   std::vector<double>& bs)
 {
     const LowerPattern& pat = flow.pat;
     const int neq = flow.neq;
@@ -73,7 +78,14 @@ void flow_step(const Grid& g, const Media& m, const Fractures& fr, const Element
 
     int nodes[9], tnodes[9];
     double ek[9][9] = {}, es[9][9] = {}, rhs[9] = {}, gv[9] = {};  // kept when kint is neither 0 nor 1
+    const bool fast = flow.epos.ne == g.ne && g.ne > 0;            // slots found in advance
+    // the temperatures and concentrations are read by transport node: the same numbers
+    // in a saturated grid, where fetching them ahead pays
+    const ElementStreams streams{g.in.data(), g.ne,        flow.idir.data(), flow.ncum.data(), pat.ia.data(),
+                                 w.a.data(),  w.b.data(), bs.data(),
+                                 {f.u0.data(), flow.fc.data(), f.t1.data(), f.t2.data()}};
     for (int l = 1; l <= g.ne; ++l) {
+        if (fast) prefetch_element(streams, l);
         for (int a = 1; a <= 8; ++a) {
             nodes[a] = node_at(g.in, l, a);
             tnodes[a] = nmap[nodes[a]];
@@ -111,8 +123,9 @@ void flow_step(const Grid& g, const Media& m, const Fractures& fr, const Element
             flow_element_gauss(kx, ky, kz, g.x, g.y, g.z, tnodes, ek, es, st, fp.dtinv, gv, et.gauss);
         }
         for (int i = 1; i <= 8; ++i) rhs[i] = gv[i] * kz * r;
-        scatter_flow<8>(nodes, ek, es, rhs, as);
+        scatter_flow<8>(nodes, ek, es, rhs, as, fast ? &flow.epos.k[(std::size_t)(l - 1) * 64] : nullptr);
     }
+    if (fast) as.t.k = flow.epos.last_k;
 
     for (int l = 1; l <= fr.nfrac; ++l) {
         const int host = fr.ifracl[l];
@@ -171,7 +184,14 @@ void flow_step(const Grid& g, const Media& m, const Fractures& fr, const Element
         const double q = t < (int)qsrc.size() ? qsrc[t] : 0.0;
         w.b[mq] = q + w.b[mq] + bs[mq];
     }
+}
 
+void flow_step(const Grid& g, const Media& m, const Fractures& fr, const ElementTables& et, const FlowParams& fp,
+               const std::vector<double>& qsrc, const FieldIndex& flow, Fields& f, SolverWork& w,
+               std::vector<double>& bs, const Console& con, const Listing& lst, int* steps)
+{
+    assemble_flow(g, m, fr, et, fp, qsrc, flow, f, w, bs);
+    const LowerPattern& pat = flow.pat;
     // u itself, in node numbering, is the start vector
     ssor::pcg(w.a, pat, w.b, f.u, w.work, max_work, w.iblk, maxblk, 1, con, lst, steps);
     restore_nodal(g.nn, FixedNodes{flow.idir, flow.ncum, flow.fc}, f.u);

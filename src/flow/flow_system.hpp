@@ -48,6 +48,11 @@ inline double flow_buoyancy_T(double T)
 // f.u0 is the head at the start of the step.  qsrc are the nodal sources by transport node.
 // bs is a work column of at least neq+1 values; `steps`, when given, receives the
 // solver's step count.
+// The assembly of flow_step alone: w.a and w.b hold the system, by equation.
+void assemble_flow(const Grid& g, const Media& m, const Fractures& fr, const ElementTables& et, const FlowParams& fp,
+                   const std::vector<double>& qsrc, const FieldIndex& flow, const Fields& f, SolverWork& w,
+                   std::vector<double>& bs);
+
 void flow_step(const Grid& g, const Media& m, const Fractures& fr, const ElementTables& et, const FlowParams& fp,
                const std::vector<double>& qsrc, const FieldIndex& flow, Fields& f, SolverWork& w,
                std::vector<double>& bs, const Console& con, const Listing& lst, int* steps = nullptr);

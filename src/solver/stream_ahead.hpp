@@ -1,5 +1,6 @@
 #pragma once
 #include <algorithm>
+#include <cstddef>
 
 // Software prefetch for the row loops of the solvers.  Rows are short (14 entries at most)
 // and every entry also gathers from or scatters to a vector, so the hardware prefetcher
@@ -34,4 +35,54 @@ inline void prefetch_behind(const double* a, const int* ja, int k)
     prefetch(a + ka);
     prefetch(a + kb);
     prefetch(ja + ka);
+}
+
+// The memory an element's assembly reads and writes, by node and by equation: brick
+// loops over large grids wait on it, the rows of a that one element adds to lying far
+// apart.  `extra` arrays are nodal fields the element reads (may be null).
+struct ElementStreams {
+    const int* inc;       // incidence, inc[(e-1)*8 + i]
+    int ne;               // elements
+    const int* idir;      // fixed flags by node
+    const int* ncum;      // running fixed count by node
+    const int* ia;        // row starts by equation
+    const double* a;      // matrix values
+    const double* b;      // right-hand side by equation
+    const double* r;      // a second vector by equation, or null
+    const double* extra[4];
+};
+
+// Starts the loads of the element some elements ahead of e, in three stages so that each
+// finds the index it depends on in cache: the node data, then the row starts, then the
+// rows and the vectors by equation.
+inline void prefetch_element(const ElementStreams& s, int e)
+{
+    constexpr int ahead_rows = 4, ahead_starts = 8, ahead_nodes = 12;  // elements
+    if (e + ahead_nodes <= s.ne) {
+        const int* nd = s.inc + (std::size_t)(e + ahead_nodes - 1) * 8;
+        for (int i = 1; i <= 8; ++i) {
+            prefetch(s.idir + nd[i]);
+            prefetch(s.ncum + nd[i]);
+            for (const double* x : s.extra)
+                if (x) prefetch(x + nd[i]);
+        }
+    }
+    if (e + ahead_starts <= s.ne) {
+        const int* nd = s.inc + (std::size_t)(e + ahead_starts - 1) * 8;
+        for (int i = 1; i <= 8; ++i)
+            if (s.idir[nd[i]] != 1) prefetch(s.ia + nd[i] - s.ncum[nd[i]]);
+    }
+    if (e + ahead_rows <= s.ne) {
+        const int* nd = s.inc + (std::size_t)(e + ahead_rows - 1) * 8;
+        for (int i = 1; i <= 8; ++i) {
+            if (s.idir[nd[i]] == 1) continue;
+            const int m = nd[i] - s.ncum[nd[i]];
+            const int k = s.ia[m], last = s.ia[m + 1] - 1;  // a row holds at most 15 entries
+            prefetch(s.a + k);
+            prefetch(s.a + std::min(k + 7, last));
+            prefetch(s.a + last);
+            prefetch(s.b + m);
+            if (s.r) prefetch(s.r + m);
+        }
+    }
 }

@@ -9,12 +9,6 @@
 
 namespace {
 constexpr double tiny_value = 1e-50;
-
-// The rows of a that an element adds to lie far apart, so the loads an element needs are
-// started some elements ahead, in three stages so that each stage finds the index it
-// depends on in cache: the node data, then the row starts, then the rows, right-hand
-// sides and rvec.
-constexpr int ahead_rows = 4, ahead_starts = 8, ahead_nodes = 12;  // elements
 }  // namespace
 
 void start_transport_system(int nnt, const FieldIndex& fi, SolverWork& w)
@@ -47,38 +41,10 @@ void solve_transport_system(int nnt, const FieldIndex& fi, SolverWork& w, std::v
 void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old,
                     const std::vector<double>& pass, int e)
 {
-    const int ne = g.net;
-    const int* int8 = g.int8.data();
-    const int* idir = fi.idir.data();
-    const int* ncum = fi.ncum.data();
-    const int* ia = fi.pat.ia.data();
-    if (e + ahead_nodes <= ne) {
-        const int* nd = int8 + (std::size_t)(e + ahead_nodes - 1) * 8;
-        for (int i = 1; i <= 8; ++i) {
-            prefetch(idir + nd[i]);
-            prefetch(ncum + nd[i]);
-            prefetch(old.data() + nd[i]);
-            prefetch(pass.data() + nd[i]);
-        }
-    }
-    if (e + ahead_starts <= ne) {
-        const int* nd = int8 + (std::size_t)(e + ahead_starts - 1) * 8;
-        for (int i = 1; i <= 8; ++i)
-            if (idir[nd[i]] != 1) prefetch(ia + nd[i] - ncum[nd[i]]);
-    }
-    if (e + ahead_rows <= ne) {
-        const int* nd = int8 + (std::size_t)(e + ahead_rows - 1) * 8;
-        for (int i = 1; i <= 8; ++i) {
-            if (idir[nd[i]] == 1) continue;
-            const int m = nd[i] - ncum[nd[i]];
-            const int k = ia[m], last = ia[m + 1] - 1;  // a row holds at most 14 entries
-            prefetch(w.a.data() + k);
-            prefetch(w.a.data() + std::min(k + 7, last));
-            prefetch(w.a.data() + last);
-            prefetch(w.b.data() + m);
-            prefetch(w.rvec.data() + m);
-        }
-    }
+    const ElementStreams s{g.int8.data(),  g.net,        fi.idir.data(), fi.ncum.data(),
+                           fi.pat.ia.data(), w.a.data(), w.b.data(),     w.rvec.data(),
+                           {old.data(), pass.data(), nullptr, nullptr}};
+    prefetch_element(s, e);
 }
 
 bool line_fracture_nodes(const Grid& g, const Fractures& fr, int l, int tn[3], double& len)
