@@ -22,6 +22,7 @@ void BM_flow_step(benchmark::State& state)
     for (int k = 1; k <= c.g.nn; ++k) c.f.t1[k] = 4.0 + 10.0 * (1.0 - c.g.z[k] / c.g.zg[1]);
     c.fp.lheat = true;
     c.fp.dtinv = 1.0 / 86400.0;
+    element_positions(c.flow.pat, c.g.in, c.g.ne, c.flow.idir, c.flow.ncum, c.g.nb, c.flow.epos);  // as a run
     int steps = 0;
     for (auto _ : state) {
         state.PauseTiming();
