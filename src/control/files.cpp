@@ -1,5 +1,8 @@
 #include "control/files.hpp"
 
+#include <fstream>
+#include <sstream>
+
 const std::vector<FileEntry>& file_table()
 {
     static const std::vector<FileEntry> table = {
@@ -67,23 +70,34 @@ const std::vector<FileEntry>& file_table()
 
 namespace {
 constexpr int max_unit = 150;
-}
 
-bool open_files(Files& files, const std::filesystem::path& dir)
+void clear_table(Files& files, const std::filesystem::path& dir, bool in_memory)
 {
     files.dir = dir;
+    files.in_memory = in_memory;
     files.out.clear();
     files.in.clear();
     files.out.resize(max_unit);
     files.in.resize(max_unit);
     files.present.assign(max_unit, false);
+}
+
+void take_old(Files& files, int unit, std::unique_ptr<std::istream> s)
+{
+    files.present[unit] = true;
+    files.in[unit] = std::move(s);
+}
+}  // namespace
+
+bool open_files(Files& files, const std::filesystem::path& dir)
+{
+    clear_table(files, dir, false);
     for (const FileEntry& f : file_table()) {
         const auto path = dir / f.name;
         if (f.mode == OpenAs::old) {
             auto s = std::make_unique<std::ifstream>(path, std::ios::binary);
             if (s->is_open()) {
-                files.present[f.unit] = true;
-                files.in[f.unit] = std::move(s);
+                take_old(files, f.unit, std::move(s));
             } else if (f.unit == unit::deck) {
                 return false;
             }
@@ -94,9 +108,32 @@ bool open_files(Files& files, const std::filesystem::path& dir)
     return true;
 }
 
-std::ofstream& open_late(Files& files, int unit, const char* name)
+bool open_in_memory(Files& files, const std::map<std::string, std::string>& texts)
 {
-    files.out[unit] = std::make_unique<std::ofstream>(files.dir / name, std::ios::binary | std::ios::trunc);
+    if (!texts.contains(file_table().front().name)) return false;
+    clear_table(files, {}, true);
+    for (const FileEntry& f : file_table()) {
+        if (f.mode == OpenAs::create) {
+            files.out[f.unit] = std::make_unique<std::ostringstream>();
+        } else if (const auto t = texts.find(f.name); t != texts.end()) {
+            take_old(files, f.unit, std::make_unique<std::istringstream>(t->second));
+        }
+    }
+    return true;
+}
+
+std::string memory_text(const Files& files, int unit)
+{
+    const auto* s = dynamic_cast<const std::ostringstream*>(files.out[unit].get());
+    return s ? s->str() : std::string();
+}
+
+std::ostream& open_late(Files& files, int unit, const char* name)
+{
+    if (files.in_memory)
+        files.out[unit] = std::make_unique<std::ostringstream>();
+    else
+        files.out[unit] = std::make_unique<std::ofstream>(files.dir / name, std::ios::binary | std::ios::trunc);
     return *files.out[unit];
 }
 

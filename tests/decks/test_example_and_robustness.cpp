@@ -161,6 +161,20 @@ TEST(Robustness, JunkInPlaceOfEveryValue)
     }
 }
 
+TEST(ExampleDeck, InputInMemoryIsTheHeadOfAWholeRun)
+{
+    const InputRun in = run_input_in_memory({{"gelmor.data", example_deck()}});
+    ASSERT_FALSE(in.stopped) << in.listing;
+    EXPECT_EQ(in.status, 0);
+    const DeckRun& r = example_run();
+    EXPECT_GT(in.listing.size(), 1000u);
+    EXPECT_LT(in.listing.size(), r.listing.size());
+    EXPECT_EQ(r.listing.compare(0, in.listing.size(), in.listing), 0);
+    const InputRun none = run_input_in_memory({});
+    EXPECT_TRUE(none.stopped);
+    EXPECT_EQ(none.status, 2);
+}
+
 #if !defined(__SANITIZE_ADDRESS__)
 // Storage follows the deck: the example's ~500 nodes run inside a 64 MB address space,
 // while arrays sized by the compiled limits would need hundreds of MB.
