@@ -309,7 +309,13 @@ int main(int argc, char** argv)
     if (opt.run >= 0) return run_one(mutants(opt.run)) ? 0 : 1;
 
     const auto t0 = Clock::now();
-    const Tally t = fuzz(mutants, opt);
+    Tally t;
+    try {
+        t = fuzz(mutants, opt);
+    } catch (const std::runtime_error& e) {
+        std::cerr << e.what() << "\n";
+        return 2;
+    }
     const double secs = std::chrono::duration<double>(Clock::now() - t0).count();
     std::cout << "fuzz: seed " << opt.seed << ", " << mutants.junk.size() << " junk mutants first, "
               << std::fixed << std::setprecision(0) << secs << " s\n";
