@@ -2,7 +2,7 @@
 // phases in memory (run_input_in_memory), stopping before the time loop.
 //
 // Mutant i is a pure function of the seed and i, so any failure is replayed with
-// --show i or --run i.  The first mutants are the exhaustive junk phase (each junk of
+// --write i DIR or --run i.  The first mutants are the exhaustive junk phase (each junk of
 // value_junk() in place of every value of every seed deck, the same for every seed);
 // the rest are random: cuts, deleted, doubled and swapped lines, hostile numbers and
 // byte flips.
@@ -23,7 +23,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
+#include <fstream>
 #include <iomanip>
+#include <iterator>
+#include <map>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
@@ -42,7 +46,8 @@ struct FuzzOptions {
     std::uint64_t seed = 1;
     long count = -1;             // mutants to run at most; -1 for no cap
     unsigned timeout = 10;       // seconds one mutant may take
-    long show = -1, run = -1;    // print or run one mutant in this process
+    long write = -1, run = -1;   // write out or run one mutant in this process
+    std::string write_dir;
 };
 
 // splitmix64: a small generator whose sequence is the same on every platform.
@@ -65,6 +70,38 @@ std::vector<std::string> seed_corpus()
     for (const char* name : {"valley_section", "seasonal_frost", "solute_column"}) decks.push_back(example_deck(name));
     decks.push_back(small_deck());
     return decks;
+}
+
+// The optional input files, each sound for the small deck's grid of 4 x 2 x 3 nodes (the
+// examples' grids differ, and their checks are probed too).  A random mutant takes them
+// now and then, so that options that read them read something.
+std::map<std::string, std::string> aux_corpus()
+{
+    std::string grid3d = "t\nt\nzone i=       3, j=       2, k=       4\n", hinput = "heads\n";
+    std::string therm = "title\nvariables\nzone\n", veloc = "a\nb\nc\n";
+    std::string fgen_k = "K field\n3 1 2\n", fgen_por = "porosity\n3 1 2\n";
+    for (int i = 1; i <= 4; ++i)
+        for (int j = 1; j <= 2; ++j)
+            for (int k = 1; k <= 3; ++k) {
+                const std::string xyz = std::to_string(i - 1) + " " + std::to_string(j - 1) + " " + std::to_string(k - 1);
+                grid3d += xyz + " 0\n";
+                therm += xyz + " 5.0 0.0 10.0\n";
+                if (j == 1) hinput += std::to_string(i) + " " + std::to_string(k) + " 10.0\n";
+            }
+    for (int e = 1; e <= 6; ++e) {
+        veloc += "0 0 1.0e-6 -1.0e-7\n";
+        fgen_k += "-11.5\n";
+        fgen_por += "-1.3862943611198906\n";
+    }
+    return {{"tair.data", "air\n3\n0 -5.0  10 2.0\n20 4.5\n"},
+            {"hbdy.data", "heads\n2\n0 10.0\n5 11.0\n"},
+            {"bzin.data", "bz\n2\n0.0 1  1 3 0.5 0.0 0.0  0.0\n10.0 2 1 1 0.4 1.0 2.0\n 2 3 0.6 0 0 1.5\n"},
+            {"slope_zt.data", "sea\n1 5.0 -1.5\n2 6.0 -1.0\n3 7.0 -0.5\n4 8.0 0.0\n"},
+            {"grid3d.plt", grid3d},
+            {"hinput.data", hinput},
+            {"therm_in.data", therm},
+            {"veloc2d_in.data", veloc},
+            {"fgen92.asc", fgen_k + fgen_por}};
 }
 
 // One junk mutant of the deterministic phase: deck, line, value and junk.
@@ -102,13 +139,9 @@ void hostile_number(std::string& line, Rng& rng)
     line = line.substr(0, s) + h + line.substr(e);
 }
 
-// Mutant i of the random phase: one to four line mutations, then perhaps byte flips
-// and a cut of the text.
-std::string random_mutant(const std::vector<std::vector<std::string>>& decks, std::uint64_t seed, long i)
+// One to four line mutations: deleted, doubled and swapped lines, hostile numbers.
+void mutate_lines(std::vector<std::string>& lines, Rng& rng)
 {
-    Rng rng{seed * 0x2545f4914f6cdd1dull + (std::uint64_t)i};
-    rng.next();
-    std::vector<std::string> lines = decks[rng.below(decks.size())];
     const std::size_t ops = 1 + rng.below(4);
     for (std::size_t k = 0; k < ops && !lines.empty(); ++k) {
         const std::size_t n = rng.below(lines.size());
@@ -119,8 +152,12 @@ std::string random_mutant(const std::vector<std::vector<std::string>>& decks, st
         default: hostile_number(lines[n], rng); break;
         }
     }
-    std::string text = join_lines(lines);
-    if (text.empty()) return text;
+}
+
+// Now and then byte flips, and now and then a cut of the text.
+void mutate_bytes(std::string& text, Rng& rng)
+{
+    if (text.empty()) return;
     if (rng.below(4) == 0) {
         const std::size_t flips = 1 + rng.below(3);
         for (std::size_t k = 0; k < flips; ++k) {
@@ -129,31 +166,57 @@ std::string random_mutant(const std::vector<std::vector<std::string>>& decks, st
         }
     }
     if (rng.below(6) == 0) text.resize(rng.below(text.size() + 1));
-    return text;
+}
+
+using Texts = std::map<std::string, std::string>;
+
+// Mutant i of the random phase: a mutated seed deck, and in one mutant of three the
+// optional input files, one of them mutated in one of two.
+Texts random_mutant(const std::vector<std::vector<std::string>>& decks, const Texts& aux, std::uint64_t seed, long i)
+{
+    Rng rng{seed * 0x2545f4914f6cdd1dull + (std::uint64_t)i};
+    rng.next();
+    std::vector<std::string> lines = decks[rng.below(decks.size())];
+    mutate_lines(lines, rng);
+    Texts texts = {{"gelmor.data", join_lines(lines)}};
+    mutate_bytes(texts["gelmor.data"], rng);
+    if (rng.below(3) == 0) {
+        texts.insert(aux.begin(), aux.end());
+        if (rng.below(2) == 0) {
+            auto f = std::next(texts.begin(), (long)rng.below(texts.size()));
+            std::vector<std::string> a = split_lines(f->second);
+            mutate_lines(a, rng);
+            f->second = join_lines(a);
+            mutate_bytes(f->second, rng);
+        }
+    }
+    return texts;
 }
 
 struct Mutants {
     std::vector<std::vector<std::string>> decks;
+    Texts aux;
     std::vector<JunkSite> junk;
     std::uint64_t seed;
 
-    std::string operator()(long i) const
+    // The files of mutant i by name, the deck gelmor.data among them.
+    Texts operator()(long i) const
     {
         if (i < (long)junk.size()) {
             const JunkSite& s = junk[(std::size_t)i];
             std::vector<std::string> lines = decks[s.deck];
             std::string& l = lines[s.line];
             l = l.substr(0, s.start) + value_junk()[s.junk] + l.substr(s.end);
-            return join_lines(lines);
+            return {{"gelmor.data", join_lines(lines)}};
         }
-        return random_mutant(decks, seed, i);
+        return random_mutant(decks, aux, seed, i);
     }
 };
 
 // Runs one mutant; false for a stop that left no message at the end of the listing.
-bool run_one(const std::string& deck)
+bool run_one(const Texts& texts)
 {
-    const InputRun r = run_input_in_memory({{"gelmor.data", deck}});
+    const InputRun r = run_input_in_memory(texts);
     return !r.stopped || ends_with_message(r.listing);
 }
 
@@ -211,7 +274,7 @@ void report(Tally& t, long mutant, int status, const std::string& err, std::uint
     }
     if (err.find("LeakSanitizer") != std::string::npos) kind += " (a leak, found at the exit of the batch ending here)";
     std::cout << "fuzz: " << kind << " at mutant " << mutant << "; replay: fuzz_input --seed " << seed
-              << " --show " << mutant << "\n";
+              << " --write " << mutant << " DIR (or --run " << mutant << ")\n";
     std::istringstream lines(err);
     int n = 0;
     for (std::string l; std::getline(lines, l) && n < 30; ++n) std::cout << "  | " << l << "\n";
@@ -271,7 +334,10 @@ FuzzOptions parse(int argc, char** argv)
         else if (arg == "--seed") o.seed = std::stoull(v);
         else if (arg == "--count") o.count = std::stol(v);
         else if (arg == "--timeout") o.timeout = (unsigned)std::stoul(v);
-        else if (arg == "--show") o.show = std::stol(v);
+        else if (arg == "--write" && a + 1 < argc) {
+            o.write = std::stol(v);
+            o.write_dir = argv[++a];
+        }
         else if (arg == "--run") o.run = std::stol(v);
         else throw std::invalid_argument("unknown option " + arg);
     }
@@ -279,12 +345,12 @@ FuzzOptions parse(int argc, char** argv)
 }
 
 const char* const usage =
-    "usage: fuzz_input [--seconds N] [--seed S] [--count N] [--timeout T] [--show I | --run I]\n"
+    "usage: fuzz_input [--seconds N] [--seed S] [--count N] [--timeout T] [--write I DIR | --run I]\n"
     "  --seconds N  stop starting mutants after N seconds (120)\n"
     "  --seed S     seed of the random mutants (1); the junk phase is the same for every seed\n"
     "  --count N    run at most N mutants\n"
     "  --timeout T  a mutant running longer than T seconds is a failure (10)\n"
-    "  --show I     print mutant I, a deck to save as gelmor.data\n"
+    "  --write I D  write the files of mutant I (gelmor.data and any others) into directory D\n"
     "  --run I      run mutant I in this process (for a debugger)\n";
 
 }  // namespace
@@ -300,10 +366,13 @@ int main(int argc, char** argv)
     }
     Mutants mutants;
     for (const std::string& d : seed_corpus()) mutants.decks.push_back(split_lines(d));
+    mutants.aux = aux_corpus();
     mutants.junk = junk_sites(mutants.decks);
     mutants.seed = opt.seed;
-    if (opt.show >= 0) {
-        std::cout << mutants(opt.show);
+    if (opt.write >= 0) {
+        std::filesystem::create_directories(opt.write_dir);
+        for (const auto& [name, text] : mutants(opt.write))
+            std::ofstream(std::filesystem::path(opt.write_dir) / name, std::ios::binary) << text;
         return 0;
     }
     if (opt.run >= 0) return run_one(mutants(opt.run)) ? 0 : 1;
