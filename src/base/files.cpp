@@ -1,5 +1,8 @@
 #include "base/files.hpp"
 
+#include <fstream>
+#include <sstream>
+
 const std::vector<FileEntry>& file_table()
 {
     static const std::vector<FileEntry> table = {
@@ -67,11 +70,11 @@ const std::vector<FileEntry>& file_table()
 
 namespace {
 constexpr int max_unit = 150;
-}
 
-bool open_files(Files& files, const std::filesystem::path& dir)
+void clear_table(Files& files, const std::filesystem::path& dir, bool in_memory)
 {
     files.dir = dir;
+    files.in_memory = in_memory;
     files.out.clear();
     files.in.clear();
     files.out.resize(max_unit);
@@ -81,6 +84,18 @@ bool open_files(Files& files, const std::filesystem::path& dir)
     files.problem.clear();
     files.unopened.clear();
     files.failed.clear();
+}
+
+void take_old(Files& files, int unit, std::unique_ptr<std::istream> s)
+{
+    files.present[unit] = true;
+    files.in[unit] = std::move(s);
+}
+}  // namespace
+
+bool open_files(Files& files, const std::filesystem::path& dir)
+{
+    clear_table(files, dir, false);
     const std::string where = " in " + dir.string();
     for (const FileEntry& f : file_table()) {
         const auto path = dir / f.name;
@@ -91,8 +106,7 @@ bool open_files(Files& files, const std::filesystem::path& dir)
             const bool regular = exists && std::filesystem::is_regular_file(path, ec);
             auto s = regular ? std::make_unique<std::ifstream>(path, std::ios::binary) : nullptr;
             if (s && s->is_open()) {
-                files.present[f.unit] = true;
-                files.in[f.unit] = std::move(s);
+                take_old(files, f.unit, std::move(s));
             } else if (f.unit == unit::deck) {
                 files.problem = !exists    ? "no gelmor.data" + where
                                 : !regular ? "gelmor.data" + where + " is not a file"
@@ -100,8 +114,10 @@ bool open_files(Files& files, const std::filesystem::path& dir)
                 return false;
             }
         } else {
-            files.out[f.unit] = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
-            if (files.out[f.unit]->is_open()) continue;
+            auto s = std::make_unique<std::ofstream>(path, std::ios::binary | std::ios::trunc);
+            const bool open = s->is_open();
+            files.out[f.unit] = std::move(s);
+            if (open) continue;
             if (f.unit == unit::lst) {
                 files.problem = "cannot write gelmor.lst" + where;
                 return false;
@@ -110,6 +126,27 @@ bool open_files(Files& files, const std::filesystem::path& dir)
         }
     }
     return true;
+}
+
+bool open_in_memory(Files& files, const std::map<std::string, std::string>& texts)
+{
+    if (!texts.contains(file_table().front().name)) return false;
+    clear_table(files, {}, true);
+    for (const FileEntry& f : file_table()) {
+        files.name[f.unit] = f.name;
+        if (f.mode == OpenAs::create) {
+            files.out[f.unit] = std::make_unique<std::ostringstream>();
+        } else if (const auto t = texts.find(f.name); t != texts.end()) {
+            take_old(files, f.unit, std::make_unique<std::istringstream>(t->second));
+        }
+    }
+    return true;
+}
+
+std::string memory_text(const Files& files, int unit)
+{
+    const auto* s = dynamic_cast<const std::ostringstream*>(files.out[unit].get());
+    return s ? s->str() : std::string();
 }
 
 std::vector<std::string> flush_files(Files& files)
@@ -124,11 +161,16 @@ std::vector<std::string> flush_files(Files& files)
     return failed;
 }
 
-std::ofstream& open_late(Files& files, int unit, const char* name)
+std::ostream& open_late(Files& files, int unit, const char* name)
 {
-    files.out[unit] = std::make_unique<std::ofstream>(files.dir / name, std::ios::binary | std::ios::trunc);
     files.name[unit] = name;
-    if (!files.out[unit]->is_open()) files.unopened.push_back(name);
+    if (files.in_memory) {
+        files.out[unit] = std::make_unique<std::ostringstream>();
+    } else {
+        auto s = std::make_unique<std::ofstream>(files.dir / name, std::ios::binary | std::ios::trunc);
+        if (!s->is_open()) files.unopened.push_back(name);
+        files.out[unit] = std::move(s);
+    }
     return *files.out[unit];
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 #include <filesystem>
-#include <fstream>
+#include <istream>
+#include <map>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,17 +22,18 @@ struct FileEntry {
 const std::vector<FileEntry>& file_table();
 
 struct Files {
-    std::filesystem::path dir;                        // working directory of the run
-    std::vector<std::unique_ptr<std::ofstream>> out;  // by unit: create files
-    std::vector<std::unique_ptr<std::ifstream>> in;   // by unit: old files that exist
-    std::vector<bool> present;                        // by unit: an old file was found
-    std::vector<std::string> name;                    // by unit: file name, for messages
-    std::string problem;                              // why the table could not be opened
-    std::vector<std::string> unopened;                // result files that could not be created
-    std::vector<std::string> failed;                  // files closed early whose writes failed
+    std::filesystem::path dir;                       // working directory of the run
+    bool in_memory = false;                          // every file is a string stream
+    std::vector<std::unique_ptr<std::ostream>> out;  // by unit: create files
+    std::vector<std::unique_ptr<std::istream>> in;   // by unit: old files that exist
+    std::vector<bool> present;                       // by unit: an old file was found
+    std::vector<std::string> name;                   // by unit: file name, for messages
+    std::string problem;                             // why the table could not be opened
+    std::vector<std::string> unopened;               // result files that could not be created
+    std::vector<std::string> failed;                 // files closed early whose writes failed
 
-    std::ofstream& w(int unit) { return *out[unit]; }
-    std::ifstream* r(int unit) { return in[unit].get(); }
+    std::ostream& w(int unit) { return *out[unit]; }
+    std::istream* r(int unit) { return in[unit].get(); }
 };
 
 // Opens the whole table in dir.  Returns false with `problem` set when the run cannot
@@ -40,8 +43,13 @@ struct Files {
 bool open_files(Files& files, const std::filesystem::path& dir);
 // Flushes every output; returns the names of those whose writes failed.
 std::vector<std::string> flush_files(Files& files);
+// Opens the whole table in memory: the old files that `texts` holds by name (the deck
+// among them), every create file an empty string stream.  Same result as open_files.
+bool open_in_memory(Files& files, const std::map<std::string, std::string>& texts);
+// What a create file of a table in memory holds so far.
+std::string memory_text(const Files& files, int unit);
 // Opens a late create file (fracture geometry, function table) under a unit.
-std::ofstream& open_late(Files& files, int unit, const char* name);
+std::ostream& open_late(Files& files, int unit, const char* name);
 void close_unit(Files& files, int unit);
 
 // Unit numbers used by name in the code.

@@ -16,6 +16,7 @@
 #include "timeloop/time_loop.hpp"
 
 #include <iostream>
+#include <sstream>
 
 namespace {
 
@@ -94,7 +95,8 @@ void set_given_velocities(RunState& rs, const Listing& lst)
 }
 
 // Phases 2 to 22 of a run, in their fixed order; the deck is read strictly forward.
-void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Console& con)
+// An input-only run stops after the initial output, before the time loop.
+void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Console& con, RunScope scope)
 {
     Options& opt = rs.opt;
     Deck& deck = rs.deck;
@@ -117,8 +119,8 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     echo_vertical_strip(lst, g, "vertical strip at (x,y)=(xl,yl) x,y,z coords:", g.nn - g.nz + 1);
 
     // fractures, drawn into their two geometry files as each record is read
-    std::ofstream& geo_xz = open_late(rs.files, unit::fracgeo_xz, "gelmor_fracgeo_xz.plt");
-    std::ofstream& geo_xy = open_late(rs.files, unit::fracgeo_xy, "gelmor_fracgeo_xy.plt");
+    std::ostream& geo_xz = open_late(rs.files, unit::fracgeo_xz, "gelmor_fracgeo_xz.plt");
+    std::ostream& geo_xy = open_late(rs.files, unit::fracgeo_xy, "gelmor_fracgeo_xy.plt");
     size_fractures(rs.frac, g.ne, opt.kmass, opt.lheat);
     read_fractures(rd, lst, opt.unsat, g, rs.frac, geo_xz, geo_xy);
     close_unit(rs.files, unit::fracgeo_xz);
@@ -207,14 +209,37 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
 
     // the check table of the fluid functions, for element 1 and the porous medium; its tk
     // column takes the largest bulk conductivity of the start-up state
-    std::ofstream& dv = open_late(rs.files, unit::den_visc, "gelmor_den_visc_T.plt");
+    std::ostream& dv = open_late(rs.files, unit::den_visc, "gelmor_den_visc_T.plt");
     write_function_table(dv, deck.medium, thermal_constants(deck), fluid_switches(opt.kmass, deck.gammac),
                          media.por[1], media.sw[1], media.csol[1], media.tkmax);
     close_unit(rs.files, unit::den_visc);
     initial_output(rs, lst);
+    if (scope == RunScope::input_only) return;
 
     time_loop(rs, rd, lst, con);
     end_of_run(rs, lst, con);
+}
+
+struct Outcome {
+    int status = 0;
+    bool stopped = false;  // a fatal stop ended the run
+};
+
+// The run frame on an opened file table: the only catch of a fatal stop.
+Outcome run_frame(RunState& rs, std::ostream& console, RunScope scope)
+{
+    Listing lst{rs.files.out[unit::lst].get()};
+    Console con{&console};
+    RecordReader rd(*rs.files.r(unit::deck), "gelmor.data");
+    Outcome o;
+    try {
+        run_phases(rs, rd, lst, con, scope);
+    } catch (const RunStopped& s) {
+        o = {s.status, true};
+    }
+    lst.flush();
+    console.flush();
+    return o;
 }
 
 }  // namespace
@@ -227,10 +252,9 @@ int run_gelmor(const std::filesystem::path& dir, std::ostream& console)
         std::cerr << "gelmor: " << rs.files.problem << "\n";
         return 2;
     }
-    Listing lst{rs.files.out[unit::lst].get()};
-    Console con{&console};
     // a result that cannot be written would be lost without a word: the run does not start
     if (!rs.files.unopened.empty()) {
+        const Listing lst{rs.files.out[unit::lst].get()};
         for (const std::string& name : rs.files.unopened) {
             lst.line("cannot create result file " + name);
             std::cerr << "gelmor: cannot create result file " << name << " in " << dir.string() << "\n";
@@ -238,20 +262,22 @@ int run_gelmor(const std::filesystem::path& dir, std::ostream& console)
         lst.flush();
         return 2;
     }
-    RecordReader rd(*rs.files.r(unit::deck), "gelmor.data");
-    int status = 0;
-    try {
-        run_phases(rs, rd, lst, con);
-    } catch (const RunStopped& s) {
-        status = s.status;
-    }
+    int status = run_frame(rs, console, RunScope::whole).status;
     if (!rs.files.unopened.empty()) status = 2;  // a file opened late
     for (const std::string& name : rs.files.unopened) std::cerr << "gelmor: cannot create result file " << name << "\n";
-    console.flush();
     // a full disk shows only here: what could not be written is named, and the run fails
     for (const std::string& name : flush_files(rs.files)) {
         std::cerr << "gelmor: writing " << name << " in " << dir.string() << " failed\n";
         status = 2;
     }
     return status;
+}
+
+InputRun run_input_in_memory(const std::map<std::string, std::string>& texts)
+{
+    RunState rs;
+    if (!open_in_memory(rs.files, texts)) return {2, true, ""};
+    std::ostringstream console;
+    const Outcome o = run_frame(rs, console, RunScope::input_only);
+    return {o.status, o.stopped, memory_text(rs.files, unit::lst)};
 }

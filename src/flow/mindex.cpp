@@ -88,12 +88,12 @@ void dirichlet_patches(Ctx& c, int face)
             for (int j = j1; j <= j2; ++j) {
                 long long node;
                 switch (face) {
-                case 2: node = (c.nx - 1) * nyz + (long long)(i - 1) * c.nz + j; break;
-                case 3: node = (long long)(i - 1) * nyz + j; break;
-                case 4: node = (long long)(i - 1) * nyz + (long long)(c.ny - 1) * c.nz + j; break;
-                case 5: node = (long long)(i - 1) * nyz + (long long)(j - 1) * c.nz + 1; break;
-                case 6: node = (long long)(i - 1) * nyz + (long long)j * c.nz; break;
-                default: node = (long long)(i - 1) * c.nz + j; break;
+                case 2: node = (c.nx - 1) * nyz + ((long long)i - 1) * c.nz + j; break;
+                case 3: node = ((long long)i - 1) * nyz + j; break;
+                case 4: node = ((long long)i - 1) * nyz + (long long)(c.ny - 1) * c.nz + j; break;
+                case 5: node = ((long long)i - 1) * nyz + ((long long)j - 1) * c.nz + 1; break;
+                case 6: node = ((long long)i - 1) * nyz + (long long)j * c.nz; break;
+                default: node = ((long long)i - 1) * c.nz + j; break;
                 }
                 if (node <= 0 || node > c.nn)
                     stop_run(c.lst, {"Error in Dirichlet b.c.: iglobal_node <0 or >nn)",
@@ -122,7 +122,7 @@ void neumann_patches(Ctx& c, int face)
                              value));
         for (int i = i1; i <= i2; ++i)
             for (int j = j1; j <= j2; ++j) {
-                const long long p = (long long)(i - 1) * len + j;
+                const long long p = ((long long)i - 1) * len + j;
                 // Positions have no bound test: one past every face is never walked and so
                 // has no effect, but one outside the face buffer names no face at all.
                 if (p < 1 || p > nf)

@@ -5,6 +5,7 @@
 #include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 
+#include <limits>
 #include <numeric>
 
 void grid_sizes(Grid& g, const Options& opt, const Listing& lst)
@@ -34,15 +35,20 @@ void grid_sizes(Grid& g, const Options& opt, const Listing& lst)
     for (int m = 1; m <= g.ngy; ++m) ney += g.nly[m];
     for (int m = 1; m <= ngz_flow; ++m) nez += g.nlz[m];
     const long long nx = nex + 1, ny = ney + 1, nz = nez + 1;
-    const long long nn = nx * ny * nz, ne = nex * ney * nez, nxy = nx * ny;
+    // Counts are at most 7 sub-intervals of 2^31 each, so a product of three can pass the
+    // range of long long; it stops at the top of the range, far beyond every limit.
+    const auto times = [](long long a, long long b) {
+        return a != 0 && b > std::numeric_limits<long long>::max() / a ? std::numeric_limits<long long>::max() : a * b;
+    };
+    const long long nn = times(times(nx, ny), nz), ne = times(times(nex, ney), nez), nxy = times(nx, ny);
 
     // Sizes beyond the limits are printed as they are before the limit check stops the run.
     const auto clip = [](long long v) { return (int)std::min<long long>(v, 2'000'000'000LL); };
     g.nex = clip(nex); g.ney = clip(ney); g.nez = clip(nez);
     g.nx = clip(nx); g.ny = clip(ny); g.nz = clip(nz);
     g.nn = clip(nn); g.ne = clip(ne); g.nxy = clip(nxy);
-    g.nyz = clip(ny * nz);
-    g.nexy = clip(nex * ney);
+    g.nyz = clip(times(ny, nz));
+    g.nexy = clip(times(nex, ney));
     g.xl = g.xg[g.ngx];
     g.yl = g.yg[g.ngy];
     g.zl = opt.unsat ? g.zg[g.ngz - 1] : g.zg[g.ngz];

@@ -38,7 +38,7 @@ bool skip_title(RecordReader& rd)
 
 void read_grid3d(Files& files, const Listing& lst, const Options& opt, Grid& g)
 {
-    std::ifstream* in = files.r(unit::grid3d);
+    std::istream* in = files.r(unit::grid3d);
     if (!in)
         stop_run(lst, {"!!! error detected in grid3d.plt file !!! ", "you are trying to read an external grid (grid3d.plt)",
                        "but this file does not exist", "use kgrid=0 or create grid3d.plt file", "program stopping ..."});
@@ -83,7 +83,7 @@ void read_grid3d(Files& files, const Listing& lst, const Options& opt, Grid& g)
 
 void read_hinput(Files& files, const Listing& lst, const Grid& g, Fields& f)
 {
-    std::ifstream* in = files.r(unit::hinput);
+    std::istream* in = files.r(unit::hinput);
     if (!in)
         stop_run(lst, {"!!! error detected in hinput.data file !!! ", "you are trying to read an initial head condition",
                        "but this file does not exist; ", "rename a hxz.out file to hinput.data and try again",
@@ -132,7 +132,7 @@ void read_count(RecordReader& rd, const Listing& lst, const char* file, int& cou
 
 void read_tair(Files& files, const Listing& lst, ForcingTables& t)
 {
-    std::ifstream* in = files.r(unit::tair);
+    std::istream* in = files.r(unit::tair);
     if (!in)
         stop_run(lst, {"error... you are trying to read tair.data", "(ktair>0), but this file does not exist",
                        "program stopping ..."});
@@ -160,7 +160,7 @@ void read_tair(Files& files, const Listing& lst, ForcingTables& t)
 
 void read_hbdy(Files& files, const Listing& lst, ForcingTables& t)
 {
-    std::ifstream* in = files.r(unit::hbdy);
+    std::istream* in = files.r(unit::hbdy);
     if (!in) {
         lst.line(free_line("no hbdy.data file found ... continuing"));
         return;
@@ -188,7 +188,7 @@ void read_hbdy(Files& files, const Listing& lst, ForcingTables& t)
 
 void read_bzin(Files& files, const Listing& lst, ForcingTables& t)
 {
-    std::ifstream* in = files.r(unit::bzin);
+    std::istream* in = files.r(unit::bzin);
     if (!in) {
         lst.line(free_line("no bzin.data file found ... ok, continuing"));
         return;
@@ -231,7 +231,7 @@ void read_bzin(Files& files, const Listing& lst, ForcingTables& t)
 
 void read_veloc2d(Files& files, const Listing& lst, const Grid& g, Velocities& v)
 {
-    std::ifstream* in = files.r(unit::veloc2d_in);
+    std::istream* in = files.r(unit::veloc2d_in);
     if (!in)
         stop_run(lst, {"error... you are trying to read veloc2d_in.data", "(ivel=3), but this file does not exist",
                        "program stopping ..."});
@@ -258,7 +258,7 @@ void read_slope_zt(Files& files, const Listing& lst, const Grid& g, bool seabed_
     t.hwcol.assign(max_hbdy + 1, 0.0);
     t.tsea.assign(max_hbdy + 1, 0.0);
     t.slope_row.assign(g.nx + 1, 0);
-    std::ifstream* in = files.r(unit::slope);
+    std::istream* in = files.r(unit::slope);
     if (!in) {
         lst.line(free_line("no slope_zt.data file found, continuing ..."));
         return;
@@ -312,7 +312,7 @@ void read_slope_zt(Files& files, const Listing& lst, const Grid& g, bool seabed_
 void read_restart(Files& files, const Listing& lst, const Options& opt, Grid& g, Fields& f, bool fixed_from_file,
                   std::vector<double>& flow_fc)
 {
-    std::ifstream* in = files.r(unit::therm_in);
+    std::istream* in = files.r(unit::therm_in);
     if (!in)
         stop_run(lst, {"!!! error detected in therm_in.data file !!! ", "you are trying to restart a previous run but",
                        "this file does not exist", "use kgo=0 or rename a t3d file to therm_in.data",

@@ -19,7 +19,7 @@ void read_patches(RecordReader& rd, const Listing& lst, const Grid& g, FieldInde
         if (!active) break;
         for (int ix = r.i1; ix <= r.i2; ++ix)
             for (int iy = r.j1; iy <= r.j2; ++iy) {
-                const long long n = (long long)(ix - 1) * g.nyzt + (long long)iy * g.nzt;
+                const long long n = ((long long)ix - 1) * g.nyzt + (long long)iy * g.nzt;
                 if (n <= 0 || n > g.nnt)
                     stop_run(lst, {free_items("warning - surface temp patch i,j,node ", ix, iy, n), "is not valid",
                                    "program stopping ..."});
@@ -143,7 +143,7 @@ void read_sources(RecordReader& rd, const Listing& lst, const Grid& g, Sources& 
     do {
         SourceRecord r;
         read_source(rd, lst, r, more);
-        const long long first = (long long)(r.j - 1) * g.nzt + r.k1 + (long long)g.nyzt * (r.i - 1);
+        const long long first = ((long long)r.j - 1) * g.nzt + r.k1 + (long long)g.nyzt * ((long long)r.i - 1);
         const long long last = first + (r.k2 - r.k1);
         const bool valid = first > 0 && last <= g.nn && r.k1 <= g.nz && r.k2 <= g.nz && r.j <= g.ny && r.i <= g.nx;
         if (valid) {

@@ -111,6 +111,14 @@ TEST(DeckErrors, MessagesWithValuesAndSeveralLines)
     EXPECT_TRUE(r.has_message("program stopping .... "));
 }
 
+TEST(DeckErrors, HugeCountsOnEveryAxisStopAtTheSizeLimit)
+{
+    // nodes (2^31)^3: the count passes the range of long long and is still stopped
+    const DeckRun r = run_deck(with_lines(9, 3, "2147483647\n2147483647\n2147483647"));
+    EXPECT_TRUE(r.has(" flow grid size, nx,ny,nz:  2000000000  2000000000  2000000000\n")) << r.listing;
+    EXPECT_TRUE(r.has_message("error, ne>maxne or nn>maxn, check dimensions")) << r.listing;
+}
+
 TEST(DeckErrors, OptionChecksThatDependOnOtherRecords)
 {
     // kint = 1 refuses decay

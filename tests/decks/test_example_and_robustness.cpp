@@ -98,17 +98,11 @@ TEST(ExampleDeck, MissingDeckCreatesNothing)
 }
 
 // Any run that does not reach its normal end must leave a message as the last words of
-// the listing: a blank line, then lines behind 10 blanks.
+// the listing.
 void expect_clean_stop(const DeckRun& r, const std::string& what)
 {
     if (r.has("**** normal exit ****")) return;
-    const std::string text = "\n" + r.listing;  // a message may open the listing
-    const std::size_t end = text.find_last_not_of('\n');
-    ASSERT_NE(end, std::string::npos) << what;
-    const std::size_t start = text.rfind("\n\n", end);
-    ASSERT_NE(start, std::string::npos) << what;
-    const std::string last = text.substr(start + 2, end - start - 1);
-    EXPECT_EQ(last.rfind("          ", 0), 0u) << what << "\n" << r.listing;
+    EXPECT_TRUE(ends_with_message(r.listing)) << what << "\n" << r.listing;
     EXPECT_NE(r.status, -1);
 }
 
@@ -133,32 +127,41 @@ TEST(Robustness, DeckCutAfterEveryLineStopsWithAMessage)
     }
 }
 
-TEST(Robustness, JunkInPlaceOfEveryValue)
+// A sample of the junk test: every third value of the deck, with each junk in turn.  The
+// fuzz driver (tests/fuzz) puts every junk in place of every value of every seed deck.
+TEST(Robustness, JunkInPlaceOfASampleOfValues)
 {
     const std::vector<std::string> lines = short_example();
-    const char* junk[] = {"abc", "-7", "2147483647", "1e300"};
+    const std::vector<std::string>& junk = value_junk();
+    int count = 0;
     for (std::size_t n = 3; n < lines.size(); ++n) {
-        // the values of a line stop where its remark starts, at the run of blanks
-        const std::string& line = lines[n];
-        const std::size_t remark = line.find("   ");
-        const std::string values = line.substr(0, remark);
-        std::vector<std::size_t> starts;
-        for (std::size_t p = 0; p < values.size(); ++p)
-            if (values[p] != ' ' && (p == 0 || values[p - 1] == ' ')) starts.push_back(p);
-        for (std::size_t s : starts) {
-            const std::size_t e = values.find(' ', s);
-            for (const char* j : junk) {
-                // a huge interval end is a sound deck that steps to the step limit; that
-                // run has a test of its own
-                const bool interval_end = line.find("two steps") != std::string::npos && s > 0 && s < 5;
-                if (interval_end && j[0] != 'a' && j[0] != '-') continue;
-                std::vector<std::string> mutated = lines;
-                mutated[n] = values.substr(0, s) + j + (e == std::string::npos ? "" : values.substr(e));
-                const DeckRun r = run_deck(join_lines(mutated));
-                expect_clean_stop(r, "line " + std::to_string(n + 1) + ": " + mutated[n]);
-            }
+        for (const auto& [s, e] : value_spans(lines[n])) {
+            if (count++ % 3 != 0) continue;
+            const std::string& j = junk[(count / 3) % junk.size()];
+            // a huge interval end is a sound deck that steps to the step limit; that
+            // run has a test of its own
+            const bool interval_end = lines[n].find("two steps") != std::string::npos && s > 0 && s < 5;
+            if (interval_end && j[0] != 'a' && j[0] != '-') continue;
+            std::vector<std::string> mutated = lines;
+            mutated[n] = lines[n].substr(0, s) + j + lines[n].substr(e);
+            const DeckRun r = run_deck(join_lines(mutated));
+            expect_clean_stop(r, "line " + std::to_string(n + 1) + ": " + mutated[n]);
         }
     }
+}
+
+TEST(ExampleDeck, InputInMemoryIsTheHeadOfAWholeRun)
+{
+    const InputRun in = run_input_in_memory({{"gelmor.data", example_deck()}});
+    ASSERT_FALSE(in.stopped) << in.listing;
+    EXPECT_EQ(in.status, 0);
+    const DeckRun& r = example_run();
+    EXPECT_GT(in.listing.size(), 1000u);
+    EXPECT_LT(in.listing.size(), r.listing.size());
+    EXPECT_EQ(r.listing.compare(0, in.listing.size(), in.listing), 0);
+    const InputRun none = run_input_in_memory({});
+    EXPECT_TRUE(none.stopped);
+    EXPECT_EQ(none.status, 2);
 }
 
 #if !defined(__SANITIZE_ADDRESS__)

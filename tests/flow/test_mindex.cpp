@@ -152,6 +152,10 @@ TEST(Mindex, CosineHeadOnTheTop)
 struct BadSection { const char* deck; int ktype; const char* words; };
 const BadSection kBad[] = {
     {"0 0 0 0 1 0 0\n0 1 1 1 1.0 0\n", 0, "Error in Dirichlet b.c.: iglobal_node <0 or >nn)"},
+    // the lowest int as an index: the node number is formed without overflow
+    {"0 0 0 0 1 0 0\n1 1 -2147483648 1 1.0 0\n", 0, "Error in Dirichlet b.c.: iglobal_node <0 or >nn)"},
+    {"1 0 0 0 0 0 0\n-2147483648 1 1 1 1.0 0\n", 0, "Error in Dirichlet b.c.: iglobal_node <0 or >nn)"},
+    {"2 0 0 0 0 0 0\n-2147483648 1 1 1 1.0 0\n", 0, "Error in Neumann boundary indices"},
     {"0 0 0 0 0 0 5\n1 1 1 1 1 9 1.0 0\n", 0, "Error in internal fixed node indices"},
     {"0 0 0 0 0 6 0\n1 x 5.0 1.0 0.5 1.0 0.5 0.01 0.0 0\n", 0, "error reading cosine watertable parameters"},
 };

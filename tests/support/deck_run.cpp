@@ -46,3 +46,30 @@ std::string join_lines(const std::vector<std::string>& lines)
     for (const std::string& l : lines) s += l + "\n";
     return s;
 }
+
+std::vector<std::pair<std::size_t, std::size_t>> value_spans(const std::string& line)
+{
+    const std::string values = line.substr(0, line.find("   "));
+    std::vector<std::pair<std::size_t, std::size_t>> spans;
+    for (std::size_t p = 0; p < values.size(); ++p)
+        if (values[p] != ' ' && (p == 0 || values[p - 1] == ' ')) {
+            const std::size_t e = values.find(' ', p);
+            spans.emplace_back(p, e == std::string::npos ? values.size() : e);
+        }
+    return spans;
+}
+
+const std::vector<std::string>& value_junk()
+{
+    static const std::vector<std::string> junk = {"abc", "-7", "2147483647", "1e300"};
+    return junk;
+}
+
+bool ends_with_message(const std::string& listing)
+{
+    const std::string text = "\n" + listing;  // a message may open the listing
+    const std::size_t end = text.find_last_not_of('\n');
+    if (end == std::string::npos) return false;
+    const std::size_t start = text.rfind("\n\n", end);
+    return start != std::string::npos && text.compare(start + 2, 10, std::string(10, ' ')) == 0;
+}

@@ -23,3 +23,12 @@ std::string example_deck(const std::string& name = "valley_section");
 const DeckRun& example_run();
 std::vector<std::string> split_lines(const std::string& text);
 std::string join_lines(const std::vector<std::string>& lines);
+
+// The values of a deck line as [start, end) spans; they stop where the line's remark
+// starts, at the first run of three blanks.
+std::vector<std::pair<std::size_t, std::size_t>> value_spans(const std::string& line);
+// The junk the robustness tests put in place of a value.
+const std::vector<std::string>& value_junk();
+// Whether the last words of a listing are a message: a blank line, then lines behind 10
+// blanks.  Every run that stops must end so.
+bool ends_with_message(const std::string& listing);
