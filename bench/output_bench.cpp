@@ -3,9 +3,10 @@
 // movie frame, or a print time with its field file and 3-D vectors).  BM_Run times whole
 // runs with every plot each step and with the plots switched off; the difference is the
 // share of a run spent writing files.
-#include "control/run_state.hpp"
+#include "control/run.hpp"
+#include "timeloop/run_state.hpp"
 #include "output/fortran_format.hpp"
-#include "output/plot_output.hpp"
+#include "timeloop/plot_output.hpp"
 #include "support/box_grid.hpp"
 
 #include <benchmark/benchmark.h>

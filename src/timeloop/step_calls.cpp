@@ -1,7 +1,7 @@
 #include "timeloop/step_calls.hpp"
 
 #include "base/limits.hpp"
-#include "control/run_state.hpp"
+#include "timeloop/run_state.hpp"
 #include "base/stop.hpp"
 #include "element/hex.hpp"
 #include "flow/flow_system.hpp"
@@ -11,7 +11,7 @@
 #include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
 #include "output/history_files.hpp"
-#include "output/plot_output.hpp"
+#include "timeloop/plot_output.hpp"
 #include "solver/lower_csr.hpp"
 #include "transport/heat_step.hpp"
 #include "transport/mass_step.hpp"

@@ -1,7 +1,7 @@
 #include "timeloop/time_loop.hpp"
 
 #include "base/limits.hpp"
-#include "control/run_state.hpp"
+#include "timeloop/run_state.hpp"
 #include "base/stop.hpp"
 #include "output/fortran_format.hpp"
 #include "timeloop/sources.hpp"

@@ -1,4 +1,5 @@
-#include "control/run_state.hpp"
+#include "control/run.hpp"
+#include "timeloop/run_state.hpp"
 #include "support/deck_run.hpp"
 #include "support/small_deck.hpp"
 

@@ -1,5 +1,6 @@
 #include "base/files.hpp"
-#include "control/run_state.hpp"
+#include "control/run.hpp"
+#include "timeloop/run_state.hpp"
 #include "support/deck_run.hpp"
 
 #include <gtest/gtest.h>

@@ -12,7 +12,8 @@
 // reads from a pipe which mutant was running, counts the failure and goes on after it.
 // A stop that leaves no message as the last words of the listing is a failure too.
 
-#include "control/run_state.hpp"
+#include "control/run.hpp"
+#include "timeloop/run_state.hpp"
 #include "support/deck_run.hpp"
 #include "support/small_deck.hpp"
 

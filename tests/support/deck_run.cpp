@@ -1,6 +1,7 @@
 #include "support/deck_run.hpp"
 
-#include "control/run_state.hpp"
+#include "control/run.hpp"
+#include "timeloop/run_state.hpp"
 
 #include <fstream>
 #include <sstream>

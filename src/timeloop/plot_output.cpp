@@ -1,6 +1,6 @@
-#include "output/plot_output.hpp"
+#include "timeloop/plot_output.hpp"
 
-#include "control/run_state.hpp"
+#include "timeloop/run_state.hpp"
 #include "output/field_files.hpp"
 #include "output/profile_files.hpp"
 #include "output/section_files.hpp"
