@@ -181,12 +181,18 @@ inline double cosine_forcing(double surfmin, double amp, double period, double p
 
 // Bulk thermal conductivity, square-root (geometric-type) weighting of water, ice and
 // solid; the air of an unsaturated pore adds nothing.  tcx is the solid conductivity.
-inline double tk(double wu, double por, double sw, double tclw, double tcli, double tcx)
+// The same from the square roots of the three conductivities, for loops that take the
+// roots of the constant ones once.
+inline double tk_roots(double wu, double por, double sw, double root_tclw, double root_tcli, double root_tcx)
 {
     const double thw = por * sw * wu;
     const double thi = por * sw * (1.0 - wu);
-    const double s = thw * std::sqrt(tclw) + thi * std::sqrt(tcli) + (1.0 - por) * std::sqrt(tcx);
+    const double s = thw * root_tclw + thi * root_tcli + (1.0 - por) * root_tcx;
     return s * s;
+}
+inline double tk(double wu, double por, double sw, double tclw, double tcli, double tcx)
+{
+    return tk_roots(wu, por, sw, std::sqrt(tclw), std::sqrt(tcli), std::sqrt(tcx));
 }
 
 // Volumetric heat capacity C(T) (J/m3/C) of water at density pw(T), ice and solid.

@@ -42,6 +42,7 @@ double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velociti
 {
     const ThermalConstants& tc = hp.tc;
     const TransportScheme& s = hp.scheme;
+    const double root_tclw = std::sqrt(tc.tclw), root_tcli = std::sqrt(tc.tcli);
     return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, [&](int e) {
         int nodes[9];
         for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
@@ -50,7 +51,7 @@ double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velociti
         const double wn = Wu(Tn, hp.medium), wi = Wu(Ti, hp.medium);
         const double cn = pw(Tn, hp.lheat) * tc.cf, ci = pw(Ti, hp.lheat) * tc.cf;
         const double cs = m.csol[e] * (1.0 - por);
-        m.tkel[e] = tk(wi, por, m.sw[e], tc.tclw, tc.tcli, m.tcx[e]);
+        m.tkel[e] = tk_roots(wi, por, m.sw[e], root_tclw, root_tcli, std::sqrt(m.tcx[e]));
         const double vx = v.vx[e], vy = v.vy[e], vz = v.vz[e];
         BrickTerms bt;
         if (version == 1) {
