@@ -13,7 +13,7 @@ namespace {
 // the deck's value
 constexpr double sqrt_water_conductivity = 0.7745966692414834;
 
-double mean8(const std::vector<double>& t, const int nodes[9])
+double mean8(const std::vector<double>& t, const int* nodes)
 {
     double s = 0;
     for (int i = 1; i <= 8; ++i) s += t[nodes[i]];
@@ -43,9 +43,7 @@ double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velociti
     const ThermalConstants& tc = hp.tc;
     const TransportScheme& s = hp.scheme;
     const double root_tclw = std::sqrt(tc.tclw), root_tcli = std::sqrt(tc.tcli);
-    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, [&](int e) {
-        int nodes[9];
-        for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
+    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, [&](int e, const int* nodes) {
         const double Tn = mean8(f.t10, nodes), Ti = mean8(f.t1i, nodes);
         const double por = m.por[e], th = por * m.sw[e];
         const double wn = Wu(Tn, hp.medium), wi = Wu(Ti, hp.medium);

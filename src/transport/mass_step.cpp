@@ -48,7 +48,7 @@ void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocitie
 {
     start_transport_system(g.nnt, mass, w);
     TransportTarget tt{ScatterTarget{mass.pat, w.a, w.b, nb_transport}, mass.idir, mass.ncum, f.t20, w.rvec};
-    const auto terms = [&](int e) {
+    const auto terms = [&](int e, const int*) {
         BrickTerms bt;
         bt.R = (mp.ret + mp.ret) / 2.0;
         m.co0[e] = bt.R;

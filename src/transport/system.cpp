@@ -3,9 +3,6 @@
 #include "base/limits.hpp"
 #include "element/fracture_geometry.hpp"
 #include "solver/pcg_icc.hpp"
-#include "solver/stream_ahead.hpp"
-
-#include <algorithm>
 
 namespace {
 constexpr double tiny_value = 1e-50;
@@ -36,15 +33,6 @@ void solve_transport_system(int nnt, const FieldIndex& fi, SolverWork& w, std::v
         if (clip && uv[k] < tiny_value) uv[k] = 0.0;  // negative values too
         uv[i] = uv[k];
     }
-}
-
-void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old,
-                    const std::vector<double>& pass, int e)
-{
-    const ElementStreams s{g.int8.data(),  g.net,        fi.idir.data(), fi.ncum.data(),
-                           fi.pat.ia.data(), w.a.data(), w.b.data(),     w.rvec.data(),
-                           {old.data(), pass.data(), nullptr, nullptr}};
-    prefetch_element(s, e);
 }
 
 bool line_fracture_nodes(const Grid& g, const Fractures& fr, int l, int tn[3], double& len)

@@ -9,6 +9,7 @@
 #include "grid/fractures.hpp"
 #include "grid/grid.hpp"
 #include "solver/solver_work.hpp"
+#include "solver/stream_ahead.hpp"
 #include "transport/element_matrices.hpp"
 
 // The frame every transport step shares: clearing the system, the brick loop with its
@@ -32,15 +33,11 @@ struct BrickTerms {
     double dtinv = 0;
 };
 
-// Starts the loads of element e + a few ahead (large grids wait on memory otherwise),
-// with the nodal values of the two fields the coefficients read.
-void prefetch_brick(const Grid& g, const FieldIndex& fi, const SolverWork& w, const std::vector<double>& old,
-                    const std::vector<double>& pass, int e);
-
-// Assembles every brick of the transport grid: terms(e) gives its coefficients, then the
+// Assembles every brick of the transport grid: terms(e, nodes) gives its coefficients, then the
 // Gauss path (kint 1) or the tables path (kint 0, with decay and growth into cmat) forms
 // the matrices and they are scattered with the old-level field `old`; `pass` is the
-// other field terms(e) reads.  Any other kint leaves the matrices of the element before.
+// other field terms reads.  On large grids the loads of the elements ahead are started
+// early (the rows an element adds to lie far apart).  Any other kint leaves the matrices of the element before.
 // Returns the R of the last element.
 template <class Terms>
 double assemble_bricks(const Grid& g, const ElementTables& et, int kint, double decay, double agefx,
@@ -51,10 +48,13 @@ double assemble_bricks(const Grid& g, const ElementTables& et, int kint, double 
     double amat[9][9] = {}, bmat[9][9] = {};
     double R = 0.0;
     const bool fast = fi.epos.ne == g.net && g.net > 0;  // slots found in advance
+    const ElementStreams streams{g.int8.data(),    g.net,      fi.idir.data(), fi.ncum.data(),
+                                 fi.pat.ia.data(), w.a.data(), w.b.data(),     w.rvec.data(),
+                                 {old.data(), pass.data(), nullptr, nullptr}};
     for (int e = 1; e <= g.net; ++e) {
-        if (fast) prefetch_brick(g, fi, w, old, pass, e);
+        if (fast) prefetch_element(streams, e);
         for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
-        BrickTerms bt = terms(e);
+        BrickTerms bt = terms(e, nodes);
         R = bt.R;
         if (kint == 1)
             elmatn(bt.c, bt.dtinv, g.x, g.y, g.z, nodes, amat, bmat, R, et.gauss);
