@@ -63,16 +63,8 @@ TEST(Corrections, ElementVolumesAfterEveryStepThatSolvedFlow)
 {
     const DeckRun r = run_deck(small_deck());
     ASSERT_TRUE(r.has("**** normal exit ****"));
-    int n = 0;
-    for (std::size_t p = r.listing.find("total domain volume"); p != std::string::npos;
-         p = r.listing.find("total domain volume", p + 1))
-        ++n;
-    EXPECT_EQ(n, 3) << "setup and the two steps";
+    EXPECT_EQ(count_of(r.listing, "total domain volume"), 3) << "setup and the two steps";
 }
-
-}  // namespace
-
-namespace {
 
 TEST(Corrections, ExactLayoutsOfTwoMessages)
 {
@@ -97,10 +89,6 @@ TEST(Corrections, StepThatCannotAdvanceTheClockStopsAtOnce)
     }
 }
 
-}  // namespace
-
-namespace {
-
 TEST(Corrections, NoSilentNaN)
 {
     // a fracture aperture of 1e308 spoils the flow system: the first solve that is not
@@ -113,10 +101,6 @@ TEST(Corrections, NoSilentNaN)
     EXPECT_TRUE(k.has("pcg has been assigned a matrix with")) << k.listing;
     EXPECT_FALSE(k.has("normal exit"));
 }
-
-}  // namespace
-
-namespace {
 
 // A run of the small deck in a directory prepared by `prepare`, its standard error caught.
 struct PreparedRun {

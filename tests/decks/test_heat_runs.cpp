@@ -90,10 +90,6 @@ TEST(HeatRuns, PeriodicTopIsDampedAndDelayedWithDepth)
     }
 }
 
-}  // namespace
-
-namespace {
-
 TEST(HeatRuns, SeasonalFrostExampleFreezesAndThawsTheTop)
 {
     const DeckRun r = run_deck(example_deck("seasonal_frost"));
@@ -120,10 +116,6 @@ TEST(HeatRuns, SeasonalFrostExampleFreezesAndThawsTheTop)
     EXPECT_LT(front, 2.6);
     EXPECT_GT(Tlast, 0.0) << "the top thaws as the air warms";
 }
-
-}  // namespace
-
-namespace {
 
 // One column 3 m deep in layers of 2 cm at the freezing point, its top held at -5 C
 // from t = 0: the front of gelmor_1dzfront.plt (Ts = -0.0693, where half the water is

@@ -28,13 +28,6 @@ std::vector<std::string> check_all(const DeckRun& r)
 
 bool has(const std::vector<std::string>& v, const std::string& s) { return std::find(v.begin(), v.end(), s) != v.end(); }
 
-int count_of(const std::string& text, const std::string& what)
-{
-    int n = 0;
-    for (std::size_t p = text.find(what); p != std::string::npos; p = text.find(what, p + 1)) ++n;
-    return n;
-}
-
 TEST(PlotRuns, EveryFileOfTheExampleDeckPassesTheStrictReader)
 {
     const DeckRun& r = example_run();

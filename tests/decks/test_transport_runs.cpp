@@ -138,17 +138,6 @@ TEST(TransportRuns, RetardationOfZeroIsRefused)
     EXPECT_TRUE(h.has("**** normal exit ****")) << h.listing;
 }
 
-}  // namespace
-
-namespace {
-
-int count_of(const std::string& text, const std::string& what)
-{
-    int n = 0;
-    for (std::size_t p = text.find(what); p != std::string::npos; p = text.find(what, p + 1)) ++n;
-    return n;
-}
-
 TEST(TransportRuns, FreezingPassesThatDoNotSettleEndAtTheLimit)
 {
     // the top held at -5 C freezes the ground in both formulations; with cct far below
@@ -166,10 +155,6 @@ TEST(TransportRuns, FreezingPassesThatDoNotSettleEndAtTheLimit)
         EXPECT_FALSE(r.has("thermal solution has converged in"));
     }
 }
-
-}  // namespace
-
-namespace {
 
 TEST(TransportRuns, WellInTheSoluteColumnSeesTheFrontPass)
 {

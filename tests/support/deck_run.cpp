@@ -74,3 +74,10 @@ bool ends_with_message(const std::string& listing)
     const std::size_t start = text.rfind("\n\n", end);
     return start != std::string::npos && text.compare(start + 2, 10, std::string(10, ' ')) == 0;
 }
+
+int count_of(const std::string& text, const std::string& what)
+{
+    int n = 0;
+    for (std::size_t p = text.find(what); p != std::string::npos; p = text.find(what, p + 1)) ++n;
+    return n;
+}

@@ -22,6 +22,8 @@ DeckRun run_deck(const std::string& deck_text, const std::vector<std::pair<std::
 std::string example_deck(const std::string& name = "valley_section");
 const DeckRun& example_run();
 std::vector<std::string> split_lines(const std::string& text);
+// How many times `what` stands in `text`.
+int count_of(const std::string& text, const std::string& what);
 std::string join_lines(const std::vector<std::string>& lines);
 
 // The values of a deck line as [start, end) spans; they stop where the line's remark
