@@ -1,7 +1,6 @@
 #include "timeloop/step_calls.hpp"
 
 #include "base/limits.hpp"
-#include "timeloop/run_state.hpp"
 #include "base/stop.hpp"
 #include "element/hex.hpp"
 #include "flow/flow_system.hpp"
@@ -11,8 +10,9 @@
 #include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
 #include "output/history_files.hpp"
-#include "timeloop/plot_output.hpp"
 #include "solver/lower_csr.hpp"
+#include "timeloop/plot_output.hpp"
+#include "timeloop/run_state.hpp"
 #include "transport/heat_step.hpp"
 #include "transport/mass_step.hpp"
 
@@ -44,9 +44,7 @@ FlowParams flow_params(const RunState& rs)
     fp.dtinv = rs.loop.dtinv;
     return fp;
 }
-}  // namespace
 
-namespace {
 // A solution that is not finite cannot recover in later solves: the run stops at the
 // first such node with the time, instead of ending as if nothing had happened.
 void stop_if_not_finite(const char* field, const std::vector<double>& u, int n, const RunState& rs, bool flow_nodes,
