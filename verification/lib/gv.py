@@ -255,3 +255,13 @@ def listing_numbers(run_dir, label):
                     pass
             out.append(vals)
     return out
+
+
+def grid_planes(ends, counts):
+    """The node coordinates along one axis of a graded grid: sub-intervals ending at
+    `ends` (from 0) with `counts` equal bricks each, as the deck's xg and nlx give them."""
+    p, lo = [0.0], 0.0
+    for hi, m in zip(ends, counts):
+        p += [lo + (hi - lo) * (k + 1) / m for k in range(m)]
+        lo = hi
+    return p

@@ -23,19 +23,11 @@ V = (-2.0e-5, 5.0e-6, -1.0e-5)
 GRID = (([3.0, 10.0], [3, 4]), ([2.0, 5.0], [4, 2]), ([1.0, 4.0], [2, 3]))
 
 
-def planes(ends, counts):
-    p, lo = [0.0], 0.0
-    for hi, m in zip(ends, counts):
-        p += [lo + (hi - lo) * (k + 1) / m for k in range(m)]
-        lo = hi
-    return p
-
-
 def exact(x, y, z):
     return A0 + AX * x + AY * y + AZ * z
 
 
-xs, ys, zs = (planes(*g) for g in GRID)
+xs, ys, zs = (gv.grid_planes(*g) for g in GRID)
 nodes = [(x, y, z) for x in xs for y in ys for z in zs]          # z fastest, as written
 a = gv.arguments(__doc__)
 rep = gv.Report(a.case)

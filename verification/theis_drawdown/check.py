@@ -38,10 +38,7 @@ def theis(r, t):
     return Q / (4 * math.pi * T) * well_function(r * r * S / (4 * T * t))
 
 
-planes, lo = [0.0], 0.0
-for hi, m in zip(ENDS, COUNTS):
-    planes += [lo + (hi - lo) * (k + 1) / m for k in range(m)]
-    lo = hi
+planes = gv.grid_planes(ENDS, COUNTS)
 
 
 def brick(v):
