@@ -239,3 +239,29 @@ def svg_plot(path, title, xlabel, ylabel, series, logy=False):
 
 def _esc(s):
     return s.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+
+
+def listing_numbers(run_dir, label):
+    """The numbers after `label` on every listing line that holds it, in order: the
+    listing prints these values with all their digits, the result files with seven."""
+    out = []
+    for line in (Path(run_dir) / "gelmor.lst").read_text(errors="replace").splitlines():
+        if label in line:
+            vals = []
+            for tok in line.split(label, 1)[1].replace("=", " ").replace(",", " ").split():
+                try:
+                    vals.append(float(tok.replace("D", "E")))
+                except ValueError:
+                    pass
+            out.append(vals)
+    return out
+
+
+def grid_planes(ends, counts):
+    """The node coordinates along one axis of a graded grid: sub-intervals ending at
+    `ends` (from 0) with `counts` equal bricks each, as the deck's xg and nlx give them."""
+    p, lo = [0.0], 0.0
+    for hi, m in zip(ends, counts):
+        p += [lo + (hi - lo) * (k + 1) / m for k in range(m)]
+        lo = hi
+    return p
