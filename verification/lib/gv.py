@@ -239,3 +239,39 @@ def svg_plot(path, title, xlabel, ylabel, series, logy=False):
 
 def _esc(s):
     return s.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+
+
+# ---- several plots in one SVG, and a line of nodes out of a field file -----------------
+
+def svg_panels(path, panels):
+    """Several `svg_plot` panels stacked in one SVG.  panels: list of dicts with the
+    arguments of svg_plot (title, xlabel, ylabel, series and optionally logy)."""
+    parts = []
+    for k, p in enumerate(panels):
+        part = Path(str(path) + f".panel{k}")
+        svg_plot(part, p["title"], p["xlabel"], p["ylabel"], p["series"], p.get("logy", False))
+        body = part.read_text()
+        part.unlink()
+        parts.append(body.replace("<svg ", f'<svg x="0" y="{420 * k}" ', 1))
+    Path(path).write_text(f'<svg xmlns="http://www.w3.org/2000/svg" width="640" '
+                          f'height="{420 * len(panels)}">\n' + "".join(parts) + "</svg>\n")
+
+
+def field_line(rows, axis, column, at=(0.0, 0.0)):
+    """The nodes of a field file (rows of x, y, z, T, C, H) along axis 0, 1 or 2 whose other
+    two coordinates equal `at` (in axis order): sorted (coordinate, rows[column]) pairs."""
+    others = [i for i in range(3) if i != axis]
+    return sorted((r[axis], r[column]) for r in rows
+                  if abs(r[others[0]] - at[0]) < 1e-9 and abs(r[others[1]] - at[1]) < 1e-9)
+
+
+def check_refinement(report, name, steps, errors):
+    """Notes a refinement series (step sizes and errors, coarse to fine) with the observed
+    order between levels, and checks that the error falls at every refinement: the
+    'error' printed is the count of refinements at which it did not."""
+    orders = [math.log(e0 / e1) / math.log(h0 / h1) if e0 > 0 and e1 > 0 else math.nan
+              for h0, h1, e0, e1 in zip(steps, steps[1:], errors, errors[1:])]
+    report.note(f"{name} series: " + ", ".join(f"{h:g} -> {e:.2e}" for h, e in zip(steps, errors))
+                + "; observed orders " + ", ".join(f"{p:.2f}" for p in orders))
+    misses = sum(1 for e0, e1 in zip(errors, errors[1:]) if not e1 < e0)
+    return report.check(f"{name} series: refinements where error did not fall", float(misses), 0.0)
