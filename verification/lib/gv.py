@@ -275,3 +275,10 @@ def check_refinement(report, name, steps, errors):
                 + "; observed orders " + ", ".join(f"{p:.2f}" for p in orders))
     misses = sum(1 for e0, e1 in zip(errors, errors[1:]) if not e1 < e0)
     return report.check(f"{name} series: refinements where error did not fall", float(misses), 0.0)
+
+
+def set_records(text, changes):
+    """`set_record` for each (tag, values) pair in turn."""
+    for tag, values in changes:
+        text = set_record(text, tag, values)
+    return text

@@ -22,16 +22,14 @@ V, D, TOL = 1.0e-5, 5.0e-6, 0.01
 
 def deck(text, kint=0, ret=1.0, dx=0.5, dt=0.05):
     n = round(100.0 / dx)
-    for tag, values in (("[options]", f"0 2 0 {kint} 0 0 1 1 0 0 0 2 0 0"),
-                        ("[grid x]", str(n)),
-                        ("[elements]", f"1 {n} 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"),
-                        ("[air]", f"1 {n + 1} 5.0 0.0 365.0 0.0 -50.0 0.0 0.0 -1"),
-                        ("[dispersion]", f"0.5 0.0 0.1 0.01 0.0 {ret} 0.0 0.0 0"),
-                        ("[tinit]", f"1 {n + 1} 1 2 1 2 5.0 5.0 0"),
-                        ("[cinit]", f"1 {n + 1} 1 2 1 2 0.0 0.0 0"),
-                        ("[interval]", f"0.0 40.0 {dt} 100000 1 100000 100000 0")):
-        text = gv.set_record(text, tag, values)
-    return text
+    return gv.set_records(text, (("[options]", f"0 2 0 {kint} 0 0 1 1 0 0 0 2 0 0"),
+                                 ("[grid x]", str(n)),
+                                 ("[elements]", f"1 {n} 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"),
+                                 ("[air]", f"1 {n + 1} 5.0 0.0 365.0 0.0 -50.0 0.0 0.0 -1"),
+                                 ("[dispersion]", f"0.5 0.0 0.1 0.01 0.0 {ret} 0.0 0.0 0"),
+                                 ("[tinit]", f"1 {n + 1} 1 2 1 2 5.0 5.0 0"),
+                                 ("[cinit]", f"1 {n + 1} 1 2 1 2 0.0 0.0 0"),
+                                 ("[interval]", f"0.0 40.0 {dt} 100000 1 100000 100000 0")))
 
 
 def fronts(run_dir, ret):
