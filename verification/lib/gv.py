@@ -250,11 +250,12 @@ def svg_panels(path, panels):
     for k, p in enumerate(panels):
         part = Path(str(path) + f".panel{k}")
         svg_plot(part, p["title"], p["xlabel"], p["ylabel"], p["series"], p.get("logy", False))
-        body = part.read_text()
+        lines = part.read_text().splitlines()
         part.unlink()
-        parts.append(body.replace("<svg ", f'<svg x="0" y="{420 * k}" ', 1))
-    Path(path).write_text(f'<svg xmlns="http://www.w3.org/2000/svg" width="640" '
-                          f'height="{420 * len(panels)}">\n' + "".join(parts) + "</svg>\n")
+        # the panel's own <svg> and </svg> lines give way to a shifted group
+        parts.append(f'<g transform="translate(0,{420 * k})">\n' + "\n".join(lines[1:-1]) + "\n</g>\n")
+    Path(path).write_text(f'<svg xmlns="http://www.w3.org/2000/svg" width="640" height="{420 * len(panels)}" '
+                          f'font-family="sans-serif" font-size="12">\n' + "".join(parts) + "</svg>\n")
 
 
 def field_line(rows, axis, column, at=(0.0, 0.0)):
