@@ -31,13 +31,7 @@ K = closed.bulk_conductivity(0.3, 2.0)
 
 
 def deck(text, layers=80):
-    nz = layers + 1
-    return gv.set_records(text, (("[grid z]", str(layers)),
-                                 ("[flow face 1]", f"1 2 1 {nz} 10.0 0"),
-                                 ("[flow face 2]", f"1 2 1 {nz} 10.0 0"),
-                                 ("[elements]", f"1 {layers} 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"),
-                                 ("[tinit lower]", f"1 2 1 2 1 {layers} 4.0 4.0 1"),
-                                 ("[tinit upper]", f"1 2 1 2 {nz} {nz} 6.0 6.0 0")))
+    return gv.z_column(text, layers, 4.0, 6.0)
 
 
 def contents(run_dir):
@@ -78,8 +72,8 @@ gv.check_refinement(rep, "closure, dz", [0.1, 0.05, 0.025], series)
 insulated = gv.set_records(text, (("[heat kb]", "0 0 0 0 2 2 0"),
                                   ("[heat base]", "1 2 1 2 0.0 0"),
                                   ("[heat top]", "1 2 1 2 0.0 0"),
-                                  ("[tinit lower]", "1 2 1 2 1 40 4.0 4.0 1"),
-                                  ("[tinit upper]", "1 2 1 2 41 81 8.0 8.0 0")))
+                                  ("[tinit body]", "1 2 1 2 1 40 4.0 4.0 1"),
+                                  ("[tinit top]", "1 2 1 2 41 81 8.0 8.0 0")))
 d = gv.run(a, insulated, "insulated")
 lines = [float(v) for v in re.findall(r"heat balance \(%\) \.+\s+(\S+)", (d / "gelmor.lst").read_text())]
 rep.note(f"insulated: {len(lines)} balance lines")

@@ -28,15 +28,9 @@ ALPHA = K / C
 
 
 def deck(text, layers=100, dt=0.05, t_end=10.0, scheme=1):
-    nz = layers + 1
-    return gv.set_records(text, (("[options]", f"0 2 0 0 0 0 1 0 0 0 0 {scheme} 0 0"),
-                                 ("[grid z]", str(layers)),
-                                 ("[flow face 1]", f"1 2 1 {nz} 10.0 0"),
-                                 ("[flow face 2]", f"1 2 1 {nz} 10.0 0"),
-                                 ("[elements]", f"1 {layers} 1.0e-5 1.0e-5 1.0e-5 2.0 800.0 2650.0 0.3 1.0 0"),
-                                 ("[tinit body]", f"1 2 1 2 1 {layers} {T0} {T0} 1"),
-                                 ("[tinit top]", f"1 2 1 2 {nz} {nz} {T0 + STEP} {T0 + STEP} 0"),
-                                 ("[interval]", f"0.0 {t_end} {dt} 100000 1 100000 100000 0")))
+    return gv.set_records(gv.z_column(text, layers, T0, T0 + STEP),
+                          (("[options]", f"0 2 0 0 0 0 1 0 0 0 0 {scheme} 0 0"),
+                           ("[interval]", f"0.0 {t_end} {dt} 100000 1 100000 100000 0")))
 
 
 def closed_form(z, days):

@@ -283,3 +283,18 @@ def set_records(text, changes):
     for tag, values in changes:
         text = set_record(text, tag, values)
     return text
+
+
+def z_column(text, layers, t_body, t_top):
+    """Regrids a deck of one brick column along z whose records carry the tags [grid z],
+    [flow face 1], [flow face 2], [elements], [tinit body] and [tinit top]: `layers` layers
+    of the deck's depth and properties, every node below the top at t_body, the top node
+    at t_top."""
+    nz = layers + 1
+    props = next(line for line in text.split("\n") if "[elements]" in line).split()[2:11]
+    return set_records(text, (("[grid z]", str(layers)),
+                              ("[flow face 1]", f"1 2 1 {nz} 10.0 0"),
+                              ("[flow face 2]", f"1 2 1 {nz} 10.0 0"),
+                              ("[elements]", [1, layers] + props),
+                              ("[tinit body]", f"1 2 1 2 1 {layers} {t_body} {t_body} 1"),
+                              ("[tinit top]", f"1 2 1 2 {nz} {nz} {t_top} {t_top} 0")))
