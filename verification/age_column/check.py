@@ -5,7 +5,7 @@ The deck's column (100 m of 0.5 m bricks, v = 1e-5 m/s, D = al v = 5e-6 m2/s) st
 age 0; every node ages one second a second (agefx 1, direct integration) and water of
 age 0 enters at x = 0.  An age run reads no transport boundary section, so the inlet is
 held at age 0 by a strong source of age-0 water on the inlet nodes (1 m3/s a node: a
-third-type term whose steady inlet age is the node's growth over the source, 0.02 s).
+third-type term whose steady inlet age is the node's growth over the source, a few hundredths of a second).
 
 Closed forms, L/v = 1e7 s (115.7 days):
   - without dispersion, age = min(t, x/v): checked at the nodes off the front, farther
