@@ -265,3 +265,61 @@ def grid_planes(ends, counts):
         p += [lo + (hi - lo) * (k + 1) / m for k in range(m)]
         lo = hi
     return p
+
+# ---- several plots in one SVG, and a line of nodes out of a field file -----------------
+
+def svg_panels(path, panels):
+    """Several `svg_plot` panels stacked in one SVG.  panels: list of dicts with the
+    arguments of svg_plot (title, xlabel, ylabel, series and optionally logy)."""
+    parts = []
+    for k, p in enumerate(panels):
+        part = Path(str(path) + f".panel{k}")
+        svg_plot(part, p["title"], p["xlabel"], p["ylabel"], p["series"], p.get("logy", False))
+        lines = part.read_text().splitlines()
+        part.unlink()
+        # the panel's own <svg> and </svg> lines give way to a shifted group
+        parts.append(f'<g transform="translate(0,{420 * k})">\n' + "\n".join(lines[1:-1]) + "\n</g>\n")
+    Path(path).write_text(f'<svg xmlns="http://www.w3.org/2000/svg" width="640" height="{420 * len(panels)}" '
+                          f'font-family="sans-serif" font-size="12">\n' + "".join(parts) + "</svg>\n")
+
+
+def field_line(rows, axis, column, at=(0.0, 0.0)):
+    """The nodes of a field file (rows of x, y, z, T, C, H) along axis 0, 1 or 2 whose other
+    two coordinates equal `at` (in axis order): sorted (coordinate, rows[column]) pairs."""
+    others = [i for i in range(3) if i != axis]
+    return sorted((r[axis], r[column]) for r in rows
+                  if abs(r[others[0]] - at[0]) < 1e-9 and abs(r[others[1]] - at[1]) < 1e-9)
+
+
+def check_refinement(report, name, steps, errors):
+    """Notes a refinement series (step sizes and errors, coarse to fine) with the observed
+    order between levels, and checks that the error falls at every refinement: the
+    'error' printed is the count of refinements at which it did not."""
+    orders = [math.log(e0 / e1) / math.log(h0 / h1) if e0 > 0 and e1 > 0 else math.nan
+              for h0, h1, e0, e1 in zip(steps, steps[1:], errors, errors[1:])]
+    report.note(f"{name} series: " + ", ".join(f"{h:g} -> {e:.2e}" for h, e in zip(steps, errors))
+                + "; observed orders " + ", ".join(f"{p:.2f}" for p in orders))
+    misses = sum(1 for e0, e1 in zip(errors, errors[1:]) if not e1 < e0)
+    return report.check(f"{name} series: refinements where error did not fall", float(misses), 0.0)
+
+
+def set_records(text, changes):
+    """`set_record` for each (tag, values) pair in turn."""
+    for tag, values in changes:
+        text = set_record(text, tag, values)
+    return text
+
+
+def z_column(text, layers, t_body, t_top):
+    """Regrids a deck of one brick column along z whose records carry the tags [grid z],
+    [flow face 1], [flow face 2], [elements], [tinit body] and [tinit top]: `layers` layers
+    of the deck's depth and properties, every node below the top at t_body, the top node
+    at t_top."""
+    nz = layers + 1
+    props = next(line for line in text.split("\n") if "[elements]" in line).split()[2:11]
+    return set_records(text, (("[grid z]", str(layers)),
+                              ("[flow face 1]", f"1 2 1 {nz} 10.0 0"),
+                              ("[flow face 2]", f"1 2 1 {nz} 10.0 0"),
+                              ("[elements]", [1, layers] + props),
+                              ("[tinit body]", f"1 2 1 2 1 {layers} {t_body} {t_body} 1"),
+                              ("[tinit top]", f"1 2 1 2 {nz} {nz} {t_top} {t_top} 0")))
