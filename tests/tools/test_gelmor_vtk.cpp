@@ -361,6 +361,10 @@ TEST(GelmorVtk, MalformedFilesAreNamedWithTheirLine)
     d.write("heatflux_bndy.plt", htot_head + "  0.1E+01  0.2E+01\n  0.2E+01\n");                // a cut record
     // fields that overflowed into asterisks, and a three-digit exponent without its E
     d.write("gelmor_1dxfront.plt", htot_head + "    0.10000E+01***************\n    0.20000E+01    0.12345-119\n");
+    // a zone a heater level, its height in the title
+    d.write("heatercolumnavg_vs_t.plt", "Title=\"h\"\nvariables=\"tdays\",\"12cmTavg\"\n"
+                                        "zone i=      1, T=\"z=  0.500000E+00\"\n    0.10000E+01    0.40000E+01\n"
+                                        "zone i=      1, T=\"z=  0.700000E+00\"\n    0.10000E+01    0.30000E+01\n");
     const Tool t = convert(d.path);
     EXPECT_EQ(t.status, 1);
     EXPECT_NE(t.err.find("tc3d1_gelmor.out:8: the file ends after 30 of the 48 values"), std::string::npos) << t.err;
@@ -376,6 +380,9 @@ TEST(GelmorVtk, MalformedFilesAreNamedWithTheirLine)
     ASSERT_EQ(front.size(), 3u);
     EXPECT_EQ(front[1][1], "nan");
     EXPECT_DOUBLE_EQ(std::stod(front[2][1]), 0.12345e-119);
+    EXPECT_EQ(read_csv(d.path / "vtk" / "heatercolumnavg_vs_t.csv"),
+              (std::vector<std::vector<std::string>>{
+                  {"zone", "z", "tdays", "12cmTavg"}, {"1", "0.5", "1", "4"}, {"2", "0.7", "1", "3"}}));
 }
 
 TEST(GelmorVtk, LoadsInParaView)

@@ -54,7 +54,8 @@ bool zone_count(const LineReader& r, const std::string& keys, char key, long lon
         q = keys.find_first_not_of(' ', q + 1);
         const char* b = keys.data() + (q == std::string::npos ? keys.size() : q);
         const auto res = std::from_chars(b, keys.data() + keys.size(), n);
-        if (res.ec != std::errc() || n < 1) r.fail(std::string("zone line without a count after ") + key + "=");
+        if (res.ec != std::errc()) r.fail(std::string("zone line without a count after ") + key + "=");
+        if (n < 1) r.fail(std::string("zone line with a count below 1 after ") + key + "=");
         return true;
     }
     return false;
