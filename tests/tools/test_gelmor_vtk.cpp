@@ -171,7 +171,8 @@ std::vector<std::pair<double, std::string>> read_pvd(const fs::path& file)
     ss << in.rdbuf();
     const Element root = parse_xml(ss.str());
     std::vector<std::pair<double, std::string>> steps;
-    for (const Element& d : root.kid("Collection")->kids) steps.emplace_back(std::stod(d.attr.at("timestep")), d.attr.at("file"));
+    for (const Element& d : root.kid("Collection")->kids)
+        steps.emplace_back(std::stod(d.attr.at("timestep")), d.attr.at("file"));
     return steps;
 }
 
@@ -302,7 +303,8 @@ TEST(GelmorVtk, SeriesTablesHoldEveryRecord)
     const fs::path vtk = r.dir->path / "vtk";
     const auto htot = read_csv(vtk / "htot_flux.csv");
     ASSERT_FALSE(htot.empty());
-    EXPECT_EQ(htot[0], (std::vector<std::string>{"time", "htotr(J)", "htota(J)", "hinr(J)", "hts2-leak(J)", "hqtop(J)"}));
+    EXPECT_EQ(htot[0],
+              (std::vector<std::string>{"time", "htotr(J)", "htota(J)", "hinr(J)", "hts2-leak(J)", "hqtop(J)"}));
     EXPECT_EQ(htot.size(), 1u + 3u) << "t = 0 and the two steps";
     // the header with the missing comma still gives ten columns
     const auto bndy = read_csv(vtk / "heatflux_bndy.csv");
@@ -352,7 +354,8 @@ TEST(GelmorVtk, MalformedFilesAreNamedWithTheirLine)
                                    "          variables=\"x\",\"y\",\"z\",\"T\",\"C\",\"H\"\n"
                                    "          zone i=      2, j=      2, k=      2, T=\"T,C,H\"\n";
     std::string rows;
-    for (int n = 0; n < 5; ++n) rows += "   0.000000E+00   0.000000E+00   0.000000E+00   0.100000E+01   0.000000E+00   0.100000E+02\n";
+    for (int n = 0; n < 5; ++n)
+        rows += "   0.000000E+00   0.000000E+00   0.000000E+00   0.100000E+01   0.000000E+00   0.100000E+02\n";
     d.write("gelmor.lst", " flow grid size, nx,ny,nz:           2           2           2\n");
     d.write("tc3d1_gelmor.out", field_head + rows);  // cut after 5 of 8 nodes
     const std::string htot_head = "Title=\"h\"\nvariables=\"time\",\"a\"\nzone i=9999, T=\"x\"\n";

@@ -55,7 +55,8 @@ long long promised(const Zone& z, long long n)
 
 }  // namespace
 
-long long convert_series(const fs::path& in, const fs::path& out, int width, bool zoned, const std::string& title_column)
+long long convert_series(const fs::path& in, const fs::path& out, int width, bool zoned,
+                         const std::string& title_column)
 {
     LineReader r(in);
     Header h;
@@ -109,7 +110,8 @@ long long convert_series(const fs::path& in, const fs::path& out, int width, boo
             break;
         case LineKind::count: {
             const long long n = closing_count(r);
-            if (!cur.active || (cur.has_line && !placeholder(cur.z.i) && !placeholder(cur.z.j) && !placeholder(cur.z.k)))
+            const bool open_count = placeholder(cur.z.i) || placeholder(cur.z.j) || placeholder(cur.z.k);
+            if (!cur.active || (cur.has_line && !open_count))
                 r.fail("a closing count with no open zone before it");
             close(n);
             break;

@@ -89,7 +89,8 @@ void line_values(const LineReader& r, int width, Put&& put)
         std::size_t e = p;
         if (s[p] == '*') {
             while (e < n && s[e] == '*') ++e;
-            for (std::size_t f = 0; f < std::max<std::size_t>(1, (e - p) / width); ++f) put(std::numeric_limits<double>::quiet_NaN());
+            const std::size_t fields = std::max<std::size_t>(1, (e - p) / width);
+            for (std::size_t f = 0; f < fields; ++f) put(std::numeric_limits<double>::quiet_NaN());
         } else {
             while (e < n && s[e] != ' ' && s[e] != '\t' && s[e] != '\r' && s[e] != '*') ++e;
             double v;
