@@ -21,7 +21,7 @@ public:
     void put(std::string_view s);
     // A value in its shortest form that reads back to the same double; NaN as "nan".
     void num(double v);
-    // Values of a data array: a blank before each, a line break every `per_line`.
+    // Values of a data array: a blank before each, six to a line.
     void value(double v);
     // An integer value of a data array, as value() places it.
     void index(long long v);
@@ -53,7 +53,6 @@ void close_array(OutFile& o);
 // The point counts of a structured grid along x, y and z; text() is its WholeExtent.
 struct Extent {
     long long nx, ny, nz;
-    long long points() const { return nx * ny * nz; }
     std::string text() const;
 };
 
