@@ -74,7 +74,7 @@ void size_solves(RunState& rs)
     if (solves_transport(rs.opt))
         for (const FieldIndex* fi : {&rs.heat, &rs.mass}) nwork = std::max(nwork, 3 * fi->neq + fi->pat.nvec);
     // the block list never holds more blocks than equations
-    size_solver_work(rs.work, nn, nnz, nwork, rs.flow.neq + 1);
+    size_solver_work(rs.work, nn, nnz, nwork, rs.flow.neq + 1, solves_transport(rs.opt));
     rs.bs.assign(rs.flow.neq + 1, 0.0);
 }
 
@@ -158,16 +158,18 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     gengrid(g, 1, opt.unsat, opt.kgo);
     echo_transport_grid(lst, g);
     if (opt.kmass == 0 || opt.kmass == 3) {
-        mindex(rd, lst, 1, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.heat, rs.faces, rs.wt);
+        mindex(rd, lst, 1, g.nnt, g.net, g.nx, g.ny, g.nzt, transport_incidence(g), g.x, g.y, g.z, g.nbb, rs.heat, rs.faces, rs.wt);
         lst.flush();
     }
     if (opt.kmass == 1 || opt.kmass == 3) {
-        mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.mass, rs.faces, rs.wt);
+        mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, transport_incidence(g), g.x, g.y, g.z, g.nbb, rs.mass, rs.faces, rs.wt);
         lst.flush();
     }
-    // a field without a boundary section of its own is free everywhere, with no fixed value
+    // a field without a boundary section of its own is free everywhere, with no fixed value;
+    // a flow-only run needs no such mass field (its concentrations stay 0)
     for (FieldIndex* fi : {&rs.heat, &rs.mass}) {
         if ((int)fi->fc.size() == g.nnt + 1) continue;
+        if (fi == &rs.mass && !solves_transport(opt) && !opt.lage) continue;
         fi->nn = g.nnt;
         fi->idir.assign(g.nnt + 1, 0);
         fi->fc.assign(g.nnt + 1, 0.0);
@@ -176,25 +178,26 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     }
     // age has no boundary section: every transport node is free, and the pattern is
     // built quietly
-    if (opt.lage) build_pattern(Listing{}, g.int8, g.net, g.nbb, rs.mass);
+    if (opt.lage) build_pattern(Listing{}, transport_incidence(g), g.net, g.nbb, rs.mass);
     // the slots of every brick, for the assembly of the transport steps; a flow-only run
     // keeps of the transport patterns only their counts, which the listing has shown
     if (solves_transport(opt)) {
         if (opt.lheat)
-            element_positions(rs.heat.pat, g.int8, g.net, rs.heat.idir, rs.heat.ncum, nb_transport, rs.heat.epos);
+            element_positions(rs.heat.pat, transport_incidence(g), g.net, rs.heat.idir, rs.heat.ncum, nb_transport, rs.heat.epos);
         if (opt.lmass || opt.lage)
-            element_positions(rs.mass.pat, g.int8, g.net, rs.mass.idir, rs.mass.ncum, nb_transport, rs.mass.epos);
+            element_positions(rs.mass.pat, transport_incidence(g), g.net, rs.mass.idir, rs.mass.ncum, nb_transport, rs.mass.epos);
     } else {
         for (FieldIndex* fi : {&rs.heat, &rs.mass}) fi->pat.ia = fi->pat.ja = std::vector<int>();
+        media.co0 = media.co1 = std::vector<double>();  // the heat capacities of the heat steps
     }
     size_solves(rs);
-    size_deformation(rs.defo, g);
+    size_deformation(rs.defo, g, opt.kdz > 0);
     std::vector<double> u = std::move(rs.f.u), u0 = std::move(rs.f.u0), ui = std::move(rs.f.ui);
     size_fields(rs.f, g.nn, g.nnt);
     rs.f.u = std::move(u);
     rs.f.u0 = std::move(u0);
     rs.f.ui = std::move(ui);
-    elvol(g.x, g.y, g.z, rs.tables.gauss, g.int8, media.vol, g.net, media.voltot, opt.kint, g.dxe, g.dye, g.dze, lst);
+    elvol(g.x, g.y, g.z, rs.tables.gauss, transport_incidence(g), media.vol, g.net, media.voltot, opt.kint, g.dxe, g.dye, g.dze, lst);
 
     const bool leaky = (opt.kmass == 0 || opt.kmass == 3) && rs.heat.kb[6] == 4;
     size_forcing(rs.forcing, g.nx, g.nxy);

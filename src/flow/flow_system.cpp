@@ -24,7 +24,7 @@ struct Assembly {
 // Adds ek + es of an element with `n` nodes to the matrix; fixed neighbours are taken out
 // with ek alone, and the diagonal gathers the old-level storage and the buoyancy drive
 // rhs[i] into bs.  `slots`, when given, are the element's positions found in advance
-// (a brick's 64, see ElementPositions): the same additions, without the searches.
+// (a brick's, see ElementPositions): the same additions, without the searches.
 // `share` picks the destinations a brick adds to on this sweep (see for_each_element_in_order).
 template <int N>
 void scatter_flow(const int nodes[N + 1], const double ek[N + 1][N + 1], const double es[N + 1][N + 1],
@@ -47,7 +47,7 @@ void scatter_flow(const int nodes[N + 1], const double ek[N + 1][N + 1], const d
             }
             const int m2 = q - ncum[q];
             if (m2 < m1 || !adds_to(share, i, j)) continue;
-            const int pos = slots ? ia[m2] + slots[(i - 1) * 8 + j - 1] - 1 : lower_position(as.t, m1, m2);
+            const int pos = slots ? ia[m2] + pair_slot(slots, i, j) - 1 : lower_position(as.t, m1, m2);
             as.t.a[pos] += ek[i][j] + es[i][j];
             if (i == j) as.bs[m1] = es[i][i] * as.u0[p] + as.bs[m1] - rhs[i];
         }
@@ -130,7 +130,7 @@ void assemble_flow(const Grid& g, const Media& m, const Fractures& fr, const Ele
             flow_element_gauss(kx, ky, kz, g.x, g.y, g.z, tnodes, ek, es, st, fp.dtinv, gv, et.gauss);
         }
         for (int i = 1; i <= 8; ++i) rhs[i] = gv[i] * kz * r;
-        scatter_flow<8>(nodes, ek, es, rhs, as, fast ? &flow.epos.k[(std::size_t)(l - 1) * 64] : nullptr, share);
+        scatter_flow<8>(nodes, ek, es, rhs, as, fast ? &flow.epos.k[(std::size_t)(l - 1) * ElementPositions::per_element] : nullptr, share);
     };
     if (fast) {
         for_each_element_in_order(g.ne, g.nexy, element);

@@ -19,7 +19,7 @@ void recondense(const Grid& g, FieldIndex& fi, const Listing& lst)
     count_fixed(fi);
     lst.line("recondensing: new # dirichlet nodes: " + fmt_i(fi.ndirn, 5) + "; new # degrees of freedom: " +
              fmt_i(fi.neq, 9));
-    const int bw = build_pattern(lst, g.int8, g.net, transport_row, fi);
+    const int bw = build_pattern(lst, transport_incidence(g), g.net, transport_row, fi);
     if (bw > transport_row) stop_run(lst, {"bandwidth required" + fmt_i(bw, 5)});
     fi.epos = ElementPositions{};  // the slots belong to the old numbering
 }
@@ -64,7 +64,7 @@ bool age_exit_conversion(const Grid& g, const Velocities& v, FieldIndex& heat, F
         const int ie3d = g.net - g.nexy + l;
         if (!(v.vz[ie3d] > 0)) continue;
         for (int j = 5; j <= 8; ++j) {
-            const int node = node_at(g.int8, ie3d, j);
+            const int node = node_at(transport_incidence(g), ie3d, j);
             if (heat.idir[node] <= 0) continue;
             ++count;
             lst.line(free_line("found vz>0 ", v.vz[ie3d], " at x= ", g.x[node]));

@@ -13,7 +13,7 @@ void bulk_thermal_conductivity(const Grid& g, const Fields& f, const FreezeParam
     for (int e = 1; e <= g.net; ++e) {
         double sum = 0;
         for (int a = 1; a <= 8; ++a) {
-            const int n = node_at(g.int8, e, a);
+            const int n = node_at(transport_incidence(g), e, a);
             sum += f.t1[n] + f.t10[n];
         }
         const double T = sum / 16.0;
@@ -34,7 +34,7 @@ void derived_parameters(const Grid& g, const Fields& f, const FreezeParams& medi
                         bool lheat, double porsurf, double satsurf, const Media& m, const Listing& lst)
 {
     constexpr double undefined = -999.0;
-    const double T = f.t1[node_at(g.int8, 1, 1)];
+    const double T = f.t1[node_at(transport_incidence(g), 1, 1)];
     const double ww = Wu(T, medium);
     const double por = m.por[1];
     // the saturated capacity fills the pores with water and ice; the unsaturated one

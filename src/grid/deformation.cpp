@@ -8,15 +8,15 @@ namespace {
 constexpr int max_shifted_nodes = 120;  // nodes of a column that take the surface movement
 }
 
-void size_deformation(Deformation& d, const Grid& g)
+void size_deformation(Deformation& d, const Grid& g, bool deforms)
 {
     d.dzcol.assign(g.nxy + 1, 0.0);
     d.dztot.assign(g.nxy + 1, 0.0);
-    d.dzel.assign(g.net + 1, 0.0);
+    d.dzel.assign(deforms ? g.net + 1 : 0, 0.0);
     d.ncolcnt.assign(g.nxy + 1, 0);
     for (int e = 1; e <= g.nexy; ++e)
         for (int i = 1; i <= 4; ++i) {
-            const int n = node_at(g.int8, e, i);
+            const int n = node_at(transport_incidence(g), e, i);
             ++d.ncolcnt[(n + g.nzt - 1) / g.nzt];
         }
 }
@@ -26,8 +26,8 @@ void renew_top_dze(Grid& g, int layers)
     layers = std::clamp(layers, 0, g.nezt);
     for (int e = g.net - layers * g.nexy + 1; e <= g.net; ++e) {
         double s = 0;
-        for (int i = 5; i <= 8; ++i) s += g.z[node_at(g.int8, e, i)];
-        for (int i = 1; i <= 4; ++i) s -= g.z[node_at(g.int8, e, i)];
+        for (int i = 5; i <= 8; ++i) s += g.z[node_at(transport_incidence(g), e, i)];
+        for (int i = 1; i <= 4; ++i) s -= g.z[node_at(transport_incidence(g), e, i)];
         g.dze[e] = 0.25 * s;
     }
 }
@@ -43,7 +43,7 @@ void deformation_update(Grid& g, const Media& m, const Fields& f, const FreezePa
             const int e = (layer - 1) * g.nexy + s;
             double told = 0, tnew = 0;
             for (int i = 1; i <= 8; ++i) {
-                const int n = node_at(g.int8, e, i);
+                const int n = node_at(transport_incidence(g), e, i);
                 told += f.t10[n];
                 tnew += f.t1[n];
             }
@@ -60,7 +60,7 @@ void deformation_update(Grid& g, const Media& m, const Fields& f, const FreezePa
             sum += d.dzel[e];
         }
         const int top = (g.nezt - 1) * g.nexy + s;
-        for (int i = 5; i <= 8; ++i) d.dzcol[node_at(g.int8, top, i) / g.nzt] += sum;
+        for (int i = 5; i <= 8; ++i) d.dzcol[node_at(transport_incidence(g), top, i) / g.nzt] += sum;
     }
     const int mshift = std::min(g.nzt, max_shifted_nodes);
     for (int c = 1; c <= g.nxy; ++c) {

@@ -18,8 +18,9 @@ struct Deformation {
     double dmin = 0, dmax = 0;    // extremes of dzcol in the last pass
 };
 
-// Sizes the arrays and counts the stacks about each column from the first element layer.
-void size_deformation(Deformation& d, const Grid& g);
+// Sizes the arrays and counts the stacks about each column from the first element layer;
+// the per-element heave dzel only when the ground deforms (`deforms`): it stays 0 otherwise.
+void size_deformation(Deformation& d, const Grid& g, bool deforms = true);
 
 // New vertical sizes dze of the top `layers` element layers of the transport grid from
 // their node heights: the mean height of the four upper nodes over the four lower.

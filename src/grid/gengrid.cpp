@@ -133,7 +133,11 @@ void gengrid(Grid& g, int kflag, bool unsat, int kgo)
                 }
     }
 
-    std::vector<int>& inc = (kflag == 0) ? g.in : g.int8;
+    // a transport grid with no layers of its own has the flow grid's incidence: it is
+    // kept once (transport_incidence)
+    const bool shared = kflag == 1 && nzg == g.nz;
+    if (shared) std::vector<int>().swap(g.int8);
+    std::vector<int>& inc = (kflag == 0 || shared) ? g.in : g.int8;
     inc.assign((std::size_t)neg * 8 + 1, 0);
     g.dxe.resize(neg + 1);
     g.dye.resize(neg + 1);

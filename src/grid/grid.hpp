@@ -22,7 +22,8 @@ struct Grid {
 
     std::vector<double> x, y, z;          // coordinates by node of the last pass (transport after both)
     std::vector<int> in;                  // flow incidence, in[(e-1)*8 + i], i = 1..8
-    std::vector<int> int8;                // transport incidence, same layout
+    std::vector<int> int8;                // transport incidence, same layout; empty when it is `in`
+                                          // (read it through transport_incidence)
     std::vector<double> dxe, dye, dze;    // mean edge lengths of each element (m)
     std::vector<int> itopf;               // top face nodes of each column face, [(f-1)*4 + c]
     std::vector<int> ileftf, irightf;     // nodes of each x = 0 and x = xl face, [(f-1)*4 + c]
@@ -34,3 +35,6 @@ inline int grid_node(int i, int j, int k, int ny, int nzg) { return (i - 1) * ny
 inline int grid_element(int ie, int je, int ke, int nex, int ney) { return (ke - 1) * nex * ney + (je - 1) * nex + ie; }
 inline int& node_at(std::vector<int>& inc, int e, int i) { return inc[(e - 1) * 8 + i]; }
 inline int node_at(const std::vector<int>& inc, int e, int i) { return inc[(e - 1) * 8 + i]; }
+
+// The transport incidence: int8, or the flow incidence when the two grids are one.
+inline const std::vector<int>& transport_incidence(const Grid& g) { return g.int8.empty() ? g.in : g.int8; }

@@ -47,7 +47,7 @@ bool set_initial_transport(const Listing& lst, const Options& opt, const Deck& d
 {
     for (int n = 1; n <= g.nnt; ++n) {
         if (heat.fc[n] > -900) f.t1[n] = f.t10[n] = f.t1i[n] = heat.fc[n];
-        if (mass.fc[n] > -900) f.t2[n] = f.t20[n] = f.t2i[n] = mass.fc[n];
+        if (n < (int)mass.fc.size() && mass.fc[n] > -900) f.t2[n] = f.t20[n] = f.t2i[n] = mass.fc[n];
     }
     double tmin = 999, tmax = -999;
     const bool leaky = heat.kb[6] == 4;  // a leaky top turns the gradient off altogether

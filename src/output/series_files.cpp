@@ -146,13 +146,13 @@ void write_heatfluxtop(std::ostream& os, const PlotContext& c, const TopFluxes& 
             const int s = (iy - 1) * g.nex + ix;
             const int et = grid_element(ix, iy, g.nezt, g.nex, g.ney);  // top of the stack
             const int ef = grid_element(ix, iy, g.nez, g.nex, g.ney);   // top of its flow part
-            append_e(b, element_centre(g.int8, et, g.x), 12, 4);
-            append_e(b, element_centre(g.int8, et, g.y), 12, 4);
+            append_e(b, element_centre(transport_incidence(g), et, g.x), 12, 4);
+            append_e(b, element_centre(transport_incidence(g), et, g.y), 12, 4);
             b += fmt_i(ix, 6);
             const double cond = at(t.cond, s);
             for (double v : {at(t.alpha, s), at(t.beta, s), at(t.vmag, s), at(t.vperp, s), at(c.v.vz, et),
                              at(t.area, s), at(t.tref2, s), at(t.conv, s), cond, at(t.conv, s) + cond,
-                             element_mean(g.int8, et, c.f.t1), element_mean(g.in, ef, c.f.u)})
+                             element_mean(transport_incidence(g), et, c.f.t1), element_mean(g.in, ef, c.f.u)})
                 append_e(b, v, 15, 5);
             b.push_back('\n');
             if (b.size() >= block_size) write_block(os, b);
@@ -171,8 +171,8 @@ void write_surface_flux(std::ostream& os, const PlotContext& c, const TopFluxes&
         for (int ix = 1; ix <= g.nex; ++ix) {
             const int s = (iy - 1) * g.nex + ix;
             const int et = grid_element(ix, iy, g.nezt, g.nex, g.ney);
-            put(r, element_centre(g.int8, et, g.x));
-            put(r, element_centre(g.int8, et, g.y));
+            put(r, element_centre(transport_incidence(g), et, g.x));
+            put(r, element_centre(transport_incidence(g), et, g.y));
             put(r, at(t.cond, s));
             put(r, at(t.fbot, s));
         }
@@ -205,7 +205,7 @@ void write_kplot(std::ostream& os, const PlotContext& c, std::string& b)
             else if (ix < g.nx) e = (g.nz - 2) * nexy + ix;
             else e = g.ne - g.ney + 1;
             const int n = grid_node(ix, iy, k, g.ny, g.nzt);
-            const double t = element_mean(g.int8, e, c.f.t1);
+            const double t = element_mean(transport_incidence(g), e, c.f.t1);
             const double kt = m.ckx[e] / rvisc_w(t, c.o.lheat) * kr(Wu(t, c.d.medium), m.por[e], c.d.medium);
             for (double v : {g.x[n], g.z[n], m.ckx[e], kt, std::log10(std::max(kt, k_floor)), m.por[e], at(m.tkel, e)})
                 put(r, v);

@@ -17,7 +17,7 @@ int element_layer(int kno, int nel) { return std::clamp(kno, 1, nel); }
 double centre(const Grid& g, int e, const std::vector<double>& coord)
 {
     double s = 0;
-    for (int i = 1; i <= 8; ++i) s += coord[node_at(g.int8, e, i)];
+    for (int i = 1; i <= 8; ++i) s += coord[node_at(transport_incidence(g), e, i)];
     return 0.125 * s;
 }
 

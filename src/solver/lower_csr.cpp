@@ -41,11 +41,11 @@ void element_positions(const LowerPattern& p, std::span<const int> inc, int ne, 
                        std::span<const int> ncum, int bound, ElementPositions& ep)
 {
     ep.ne = ne;
-    ep.k.assign((std::size_t)ne * 64, 0);
+    ep.k.assign((std::size_t)ne * ElementPositions::per_element, 0);
     ScatterTarget t{p, {}, {}, bound};
     for (int e = 1; e <= ne; ++e) {
         const int* nodes = &inc[(std::size_t)(e - 1) * 8];
-        std::uint8_t* ke = &ep.k[(std::size_t)(e - 1) * 64];
+        std::uint8_t* ke = &ep.k[(std::size_t)(e - 1) * ElementPositions::per_element];
         for (int i = 1; i <= 8; ++i) {
             const int q1 = nodes[i];
             if (idir[q1] == 1) continue;
@@ -54,7 +54,9 @@ void element_positions(const LowerPattern& p, std::span<const int> inc, int ne, 
                 const int q2 = nodes[j];
                 if (idir[q2] == 1) continue;
                 const int m2 = q2 - ncum[q2];
-                if (m1 <= m2) ke[(i - 1) * 8 + j - 1] = (std::uint8_t)(lower_position(t, m1, m2) - p.ia[m2] + 1);
+                if (m1 > m2) continue;
+                const int k = lower_position(t, m1, m2) - p.ia[m2] + 1;  // searched as assembly would
+                if (i != j) ke[pair_index(i, j)] = (std::uint8_t)k;
             }
         }
     }

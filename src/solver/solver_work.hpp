@@ -16,12 +16,13 @@ struct SolverWork {
 };
 
 // nn: the most nodes of any field; nnz: the most stored entries of any pattern;
-// nwork: the longest work any solve needs; maxblk: the block capacity.
-inline void size_solver_work(SolverWork& w, int nn, int nnz, int nwork, int maxblk)
+// nwork: the longest work any solve needs; maxblk: the block capacity; transport: whether
+// a transport field is solved (only transport uses rvec).
+inline void size_solver_work(SolverWork& w, int nn, int nnz, int nwork, int maxblk, bool transport = true)
 {
     w.a.assign(nnz + 1, 0.0);
     w.b.assign(nn + 1, 0.0);
-    w.rvec.assign(nn + 1, 0.0);
+    w.rvec.assign(transport ? nn + 1 : 0, 0.0);
     w.work.assign(nwork + 1, 0.0);
     w.iblk.assign(maxblk + 1, 0);
 }

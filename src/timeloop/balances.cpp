@@ -44,10 +44,10 @@ double atan_ratio(double a, double b)
 // Vertical conductive flux through element e, positive upward out of the domain (W/m2).
 double vertical_flux(const Grid& g, const Media& m, const Fields& f, int e)
 {
-    const double tt = local_mean(g.int8, e, upper_face, f.t1);
-    const double tb = local_mean(g.int8, e, lower_face, f.t1);
-    const double zt = local_mean(g.int8, e, upper_face, g.z);
-    const double zb = local_mean(g.int8, e, lower_face, g.z);
+    const double tt = local_mean(transport_incidence(g), e, upper_face, f.t1);
+    const double tb = local_mean(transport_incidence(g), e, lower_face, f.t1);
+    const double zt = local_mean(transport_incidence(g), e, upper_face, g.z);
+    const double zb = local_mean(transport_incidence(g), e, lower_face, g.z);
     return -m.tkel[e] * (tt - tb) / (zt - zb);
 }
 
@@ -76,7 +76,7 @@ void heat_content(const Grid& g, const Media& m, const Fields& f, const BalanceC
     for (int e = 1; e <= g.net; ++e) {
         double ta = 0, tk = 0;
         for (int i = 1; i <= 8; ++i) {
-            const double t = f.t1[node_at(g.int8, e, i)];
+            const double t = f.t1[node_at(transport_incidence(g), e, i)];
             ta += t;
             tk += absolute_zero + t;
         }
@@ -156,16 +156,16 @@ void surface_fluxes(const Grid& g, const Media& m, const Fields& f, const Veloci
 
             // the reference of the convective flux: each x row of the stack takes the sea-bed
             // temperature where slope_zt.data marks it, else its own top nodes
-            const double tl = at(aux.slope_row, ix) == 1 ? at(aux.tsea, ix) : local_mean(g.int8, et, top_left_edge, f.t1);
+            const double tl = at(aux.slope_row, ix) == 1 ? at(aux.tsea, ix) : local_mean(transport_incidence(g), et, top_left_edge, f.t1);
             const double tr =
-                at(aux.slope_row, ix + 1) == 1 ? at(aux.tsea, ix + 1) : local_mean(g.int8, et, top_right_edge, f.t1);
+                at(aux.slope_row, ix + 1) == 1 ? at(aux.tsea, ix + 1) : local_mean(transport_incidence(g), et, top_right_edge, f.t1);
             const double tref2 = 0.5 * (tl + tr);
 
-            const double ta = 0.5 * (local_mean(g.int8, et, upper_face, f.t1) + local_mean(g.int8, et, lower_face, f.t1));
-            const double zt = local_mean(g.int8, et, upper_face, g.z);
-            const double zb = local_mean(g.int8, et, lower_face, g.z);
-            const double x1 = g.x[node_at(g.int8, et, 1)];
-            const double x2 = g.x[node_at(g.int8, et, 2)];
+            const double ta = 0.5 * (local_mean(transport_incidence(g), et, upper_face, f.t1) + local_mean(transport_incidence(g), et, lower_face, f.t1));
+            const double zt = local_mean(transport_incidence(g), et, upper_face, g.z);
+            const double zb = local_mean(transport_incidence(g), et, lower_face, g.z);
+            const double x1 = g.x[node_at(transport_incidence(g), et, 1)];
+            const double x2 = g.x[node_at(transport_incidence(g), et, 2)];
             const double vx = v.vx[et], vz = v.vz[et];
             const double vmag = std::sqrt(vx * vx + vz * vz);
             const double alpha = atan_ratio(vz, vx);
@@ -203,10 +203,10 @@ void boundary_fluxes(const Grid& g, const Media& m, const Fields& f, const Veloc
         for (int iz = 1; iz <= g.nezt; ++iz)
             for (int iy = 1; iy <= g.ney; ++iy) {
                 const int e = grid_element(ix, iy, iz, g.nex, g.ney);
-                const double tl = local_mean(g.int8, e, xmin_face, f.t1);
-                const double tr = local_mean(g.int8, e, xmax_face, f.t1);
-                const double xl = local_mean(g.int8, e, xmin_face, g.x);
-                const double xr = local_mean(g.int8, e, xmax_face, g.x);
+                const double tl = local_mean(transport_incidence(g), e, xmin_face, f.t1);
+                const double tr = local_mean(transport_incidence(g), e, xmax_face, f.t1);
+                const double xl = local_mean(transport_incidence(g), e, xmin_face, g.x);
+                const double xr = local_mean(transport_incidence(g), e, xmax_face, g.x);
                 const double ta = 0.5 * (tl + tr);
                 const double a = g.dye[e] * g.dze[e];
                 const double sf = m.por[e] * m.sw[e] * Wu(ta, k.medium);
@@ -229,14 +229,14 @@ void boundary_fluxes(const Grid& g, const Media& m, const Fields& f, const Veloc
 
     double wv = 0;
     for (int e = 1; e <= g.net; ++e)
-        wv += m.por[e] * m.sw[e] * Wu(local_mean(g.int8, e, all_nodes, f.t1), k.medium) * m.vol[e];
+        wv += m.por[e] * m.sw[e] * Wu(local_mean(transport_incidence(g), e, all_nodes, f.t1), k.medium) * m.vol[e];
     q.wu_vol = wv;
 }
 
 void mass_inventory(const Grid& g, const Media& m, const Fractures& fr, const Sources& s,
                     const std::vector<double>& c, MassSums& out)
 {
-    auto element_mass = [&](int e) { return local_mean(g.int8, e, all_nodes, c) * m.vol[e] * m.por[e]; };
+    auto element_mass = [&](int e) { return local_mean(transport_incidence(g), e, all_nodes, c) * m.vol[e] * m.por[e]; };
     out = MassSums{};
     for (int e = 1; e <= g.net; ++e) out.matrix += element_mass(e);
     for (int l = 1; l <= fr.nfrac; ++l) {

@@ -144,20 +144,20 @@ void record_heaters(const Grid& g, const Fields& f, const Sources& s, long long 
             const int l = (i - 1) * g.nezt + iz;
             if (l > s.nheat) continue;
             const int e = s.helem[l];
-            const double z1 = g.z[node_at(g.int8, e, 1)], z8 = g.z[node_at(g.int8, e, 8)];
+            const double z1 = g.z[node_at(transport_incidence(g), e, 1)], z8 = g.z[node_at(transport_incidence(g), e, 8)];
             pass = z1 >= window_end && zmax - z8 >= window_end;
             if (!pass) break;
             int lo = e, hi = e;
-            while (lo > nexy && z8 - g.z[node_at(g.int8, lo, 1)] < window_half) lo -= nexy;
-            while (hi + nexy <= g.net && g.z[node_at(g.int8, hi, 1)] - z1 < window_half) hi += nexy;
+            while (lo > nexy && z8 - g.z[node_at(transport_incidence(g), lo, 1)] < window_half) lo -= nexy;
+            while (hi + nexy <= g.net && g.z[node_at(transport_incidence(g), hi, 1)] - z1 < window_half) hi += nexy;
             for (int el = lo; el <= hi; el += nexy)
-                for (int k = 1; k <= 8; ++k) sum += (float)f.t1[node_at(g.int8, el, k)];
+                for (int k = 1; k <= 8; ++k) sum += (float)f.t1[node_at(transport_incidence(g), el, k)];
             nl = (hi - lo) / nexy;
             elast = e;
         }
         if (!pass || elast == 0) continue;
         ++m;
-        h.hcz[m] = (float)(0.5 * (g.z[node_at(g.int8, elast, 1)] + g.z[node_at(g.int8, elast, 8)]));
+        h.hcz[m] = (float)(0.5 * (g.z[node_at(transport_incidence(g), elast, 1)] + g.z[node_at(transport_incidence(g), elast, 8)]));
         hist_at(h.hct, h.maxlev, numit, m) = sum / (float)(s.nhcol * (1 + nl) * 8);
     }
     h.nlev = m;

@@ -38,7 +38,7 @@ namespace {
 void set_heater_faces(const HeaterRecord& h, int ix, int iy, int e, const Grid& g, Sources& s, int l)
 {
     int* hn = &s.hnode[(l - 1) * 8];  // hn[1..8]
-    const auto node = [&](int a) { return node_at(g.int8, e, a); };
+    const auto node = [&](int a) { return node_at(transport_incidence(g), e, a); };
     const bool one_column = h.fluxin1 > 0 && h.i2 == h.i1 && h.j2 == h.j1;
     const bool four_column = h.fluxin1 > 0 && h.i2 > h.i1 && h.j2 > h.j1;
     if (one_column || h.fluxin2 > 0) {
@@ -103,7 +103,7 @@ void read_heaters(RecordReader& rd, const Listing& lst, int kmass, const Grid& g
                     height += g.dze[e];
                     set_heater_faces(h, ix, iy, e, g, s, l);
                     double a = (g.dxe[e] + g.dye[e]) * g.dze[e];
-                    if (s.hnode[(l - 1) * 8 + 3] == node_at(g.int8, e, 3)) a *= 2;  // all four sides heated
+                    if (s.hnode[(l - 1) * 8 + 3] == node_at(transport_incidence(g), e, 3)) a *= 2;  // all four sides heated
                     area += a;
                     vol += g.dxe[e] * g.dye[e] * g.dze[e];
                 }
@@ -134,9 +134,9 @@ void read_heaters(RecordReader& rd, const Listing& lst, int kmass, const Grid& g
 
 void read_sources(RecordReader& rd, const Listing& lst, const Grid& g, Sources& s)
 {
-    s.qsrc.assign(g.nnt + 1, 0.0);
-    s.tsrc.assign(g.nnt + 1, 0.0);
-    s.csrc.assign(g.nnt + 1, 0.0);
+    // the nodal arrays exist only while an interval has a source: most runs have none,
+    // and on a large grid they are three arrays of the size of the grid
+    for (std::vector<double>* v : {&s.qsrc, &s.tsrc, &s.csrc}) std::vector<double>().swap(*v);
     s.isrc.assign(1, 0);
     s.nsrc = 0;
     int more = 0;
@@ -151,6 +151,8 @@ void read_sources(RecordReader& rd, const Listing& lst, const Grid& g, Sources& 
             lst.line(free_line("source/sink strength:       ", r.qs));
             lst.line(free_line("            temperature:    ", r.ts));
             lst.line(free_line("            concentration:  ", r.cs));
+            if (s.qsrc.empty())
+                for (std::vector<double>* v : {&s.qsrc, &s.tsrc, &s.csrc}) v->assign(g.nnt + 1, 0.0);
             for (long long n = first; n <= last; ++n) {
                 ++s.nsrc;
                 s.isrc.push_back((int)n);

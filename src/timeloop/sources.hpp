@@ -17,7 +17,8 @@ struct Sources {
     double decay2 = 0;             // read and echoed; no decay law uses it
     int nsrc = 0;                  // source nodes
     std::vector<int> isrc;         // node of source s
-    std::vector<double> qsrc, tsrc, csrc;  // by transport node: strength (>0 injection), temperature, concentration
+    std::vector<double> qsrc, tsrc, csrc;  // by transport node: strength (>0 injection), temperature,
+                                           // concentration; empty in an interval with no source
     bool lsrc = false;             // nsrc > 0
 };
 

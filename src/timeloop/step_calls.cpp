@@ -186,7 +186,7 @@ WaterTable water_table(const RunState& rs)
 void refit_transport_field(RunState& rs, FieldIndex& fi, bool transported)
 {
     const Grid& g = rs.grid;
-    if (transported) element_positions(fi.pat, g.int8, g.net, fi.idir, fi.ncum, nb_transport, fi.epos);
+    if (transported) element_positions(fi.pat, transport_incidence(g), g.net, fi.idir, fi.ncum, nb_transport, fi.epos);
     SolverWork& w = rs.work;
     if (w.a.size() < (std::size_t)fi.pat.nvec + 1) w.a.resize((std::size_t)fi.pat.nvec + 1, 0.0);
     const std::size_t need = 3 * (std::size_t)fi.neq + fi.pat.nvec + 1;
@@ -228,7 +228,7 @@ void update_element_volumes(RunState& rs, const Listing& lst)
 {
     Grid& g = rs.grid;
     Media& m = rs.media;
-    elvol(g.x, g.y, g.z, rs.tables.gauss, g.int8, m.vol, g.net, m.voltot, rs.opt.kint, g.dxe, g.dye, g.dze, lst);
+    elvol(g.x, g.y, g.z, rs.tables.gauss, transport_incidence(g), m.vol, g.net, m.voltot, rs.opt.kint, g.dxe, g.dye, g.dze, lst);
 }
 
 namespace {

@@ -199,14 +199,13 @@ void scatter_brick(const int nodes[9], const std::uint8_t* slots, const double a
     for (int i = 1; i <= 8; ++i) {
         const int m1 = eq[i];
         if (m1 == 0) continue;
-        const std::uint8_t* ks = slots + (i - 1) * 8 - 1;
         double bm = b[m1], rv = rvec[m1];
         for (int j = 1; j <= 8; ++j) {
             if (eq[j] == 0) {
                 bm -= (amat[i][j] + bmat[i][j]) * wq[j];
                 continue;
             }
-            if (ks[j] != 0) a[ia[eq[j]] + ks[j] - 1] += amat[i][j];
+            if (m1 <= eq[j]) a[ia[eq[j]] + pair_slot(slots, i, j) - 1] += amat[i][j];
             rv = rv + cmat[i][j] - bmat[i][j] * wq[j];
         }
         b[m1] = bm;

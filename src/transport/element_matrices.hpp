@@ -88,7 +88,7 @@ struct TransportTarget {
     std::span<double> rvec;
 };
 
-// The brick scatter with the slots found in advance for this element (64 of them, see
+// The brick scatter with the slots found in advance for this element (see
 // ElementPositions): the same additions in the same order as scatter_transport.
 void scatter_brick(const int nodes[9], const std::uint8_t* slots, const double amat[9][9], const double bmat[9][9],
                    const double cmat[9][9], TransportTarget& tt);

@@ -187,7 +187,7 @@ void assemble_heat_sources(int version, const Grid& g, const Media& m, const Hea
                            const FieldIndex& heat, const Fields& f, SolverWork& w)
 {
     double knee = 0.0;
-    for (int n = 1; n <= g.nnt; ++n) {
+    for (int n = 1; n <= (src.qsrc.empty() ? 0 : g.nnt); ++n) {  // no array: no source this interval
         if (!(src.qsrc[n] > 0)) continue;  // a withdrawal takes the node's own heat
         const double T = (f.t1i[n] + f.t10[n]) / 2.0;
         const double wu = source_wu(T, hp.medium, knee);
@@ -198,7 +198,7 @@ void assemble_heat_sources(int version, const Grid& g, const Media& m, const Hea
         const int e = src.helem[l];
         const double pp = (g.dxe[e] + g.dye[e]) * g.dze[e];
         const int* hn = &src.hnode[(std::size_t)(l - 1) * 8];  // hn[1..8]
-        const double ar = hn[3] == node_at(g.int8, e, 3) ? 2.0 * pp : pp;  // all four sides heated
+        const double ar = hn[3] == node_at(transport_incidence(g), e, 3) ? 2.0 * pp : pp;  // all four sides heated
         double d = src.fluxin1[l] * ar / 8.0;
         if (version == 1) d = g.dxe[e] / 8.0 * g.dye[e] * g.dze[e] * src.fluxin2[l] + d;
         for (int k = 1; k <= 8; ++k) {

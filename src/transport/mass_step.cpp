@@ -63,6 +63,7 @@ void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocitie
 
     // injected water dilutes the node towards its concentration: a third-type term; a
     // withdrawal takes the node's own water and needs none
+    if (src.qsrc.empty()) return;
     for (int n = 1; n <= g.nnt; ++n)
         if (src.qsrc[n] > 0) add_nodal_term(mass, n, src.qsrc[n] / m.por[1], src.csrc[n], w);
 }

@@ -48,12 +48,12 @@ double assemble_bricks(const Grid& g, const ElementTables& et, int kint, double 
     double amat[9][9] = {}, bmat[9][9] = {};
     double R = 0.0;
     const bool fast = fi.epos.ne == g.net && g.net > 0;  // slots found in advance
-    const ElementStreams streams{g.int8.data(),    g.net,      fi.idir.data(), fi.ncum.data(),
+    const ElementStreams streams{transport_incidence(g).data(),    g.net,      fi.idir.data(), fi.ncum.data(),
                                  fi.pat.ia.data(), w.a.data(), w.b.data(),     w.rvec.data(),
                                  {old.data(), pass.data(), nullptr, nullptr}};
     for (int e = 1; e <= g.net; ++e) {
         if (fast) prefetch_element(streams, e);
-        for (int i = 1; i <= 8; ++i) nodes[i] = node_at(g.int8, e, i);
+        for (int i = 1; i <= 8; ++i) nodes[i] = node_at(transport_incidence(g), e, i);
         BrickTerms bt = terms(e, nodes);
         R = bt.R;
         if (kint == 1)
@@ -61,7 +61,7 @@ double assemble_bricks(const Grid& g, const ElementTables& et, int kint, double 
         else if (kint == 0)
             elmatd(bt.c, et, bt.dtinv, g.dxe[e], g.dye[e], g.dze[e], R, decay, agefx, amat, bmat, cmat);
         if (fast)
-            scatter_brick(nodes, &fi.epos.k[(std::size_t)(e - 1) * 64], amat, bmat, cmat, tt);
+            scatter_brick(nodes, &fi.epos.k[(std::size_t)(e - 1) * ElementPositions::per_element], amat, bmat, cmat, tt);
         else
             scatter_transport(8, nodes, &amat[0][0], &bmat[0][0], &cmat[0][0], 9, tt);
     }

@@ -24,7 +24,7 @@ struct SwitchCase {
         for (auto [fi, text, kt] : {std::tuple{&heat, heat_bc, 1}, std::tuple{&mass, mass_bc, 2}}) {
             std::istringstream in(text);
             RecordReader rd(in, "boundary");
-            mindex(rd, lst, kt, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, 15, *fi, fs, wt);
+            mindex(rd, lst, kt, g.nnt, g.net, g.nx, g.ny, g.nzt, transport_incidence(g), g.x, g.y, g.z, 15, *fi, fs, wt);
         }
         size_fields(f, g.nn, g.nnt);
         for (auto* a : {&v.vx, &v.vy, &v.vz}) a->assign(g.net + 1, 0.0);
@@ -40,7 +40,7 @@ LowerPattern fresh_pattern(const Grid& g, const FieldIndex& fi)
     copy.nn = fi.nn;
     copy.idir = fi.idir;
     count_fixed(copy);
-    build_pattern(Listing{}, g.int8, g.net, 15, copy);
+    build_pattern(Listing{}, transport_incidence(g), g.net, 15, copy);
     return copy.pat;
 }
 

@@ -105,7 +105,7 @@ TEST(GenGrid, UnsaturatedZoneExtendsOnlyTheTransportGrid)
     // the flow incidence stays; the transport incidence maps through nmap for flow elements
     EXPECT_EQ(g.in, flow_in);
     for (int e = 1; e <= g.ne; ++e)
-        for (int a = 1; a <= 8; ++a) ASSERT_EQ(node_at(g.int8, e, a), g.nmap[node_at(g.in, e, a)]);
+        for (int a = 1; a <= 8; ++a) ASSERT_EQ(node_at(transport_incidence(g), e, a), g.nmap[node_at(g.in, e, a)]);
     EXPECT_DOUBLE_EQ(g.z[grid_node(1, 1, 6, g.ny, g.nzt)], 7.0);
     for (int n = 1; n <= g.nnt; ++n) ASSERT_EQ(g.kzt[n], (n - 1) % g.nzt + 1);
 }

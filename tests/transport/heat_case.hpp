@@ -40,8 +40,8 @@ struct HeatCase {
         fill_element_tables(et, cmat);
         std::istringstream in(boundary);
         RecordReader rd(in, "boundary");
-        mindex(rd, lst, 1, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, 15, heat, fs, wt);
-        element_positions(heat.pat, g.int8, g.net, heat.idir, heat.ncum, 15, heat.epos);
+        mindex(rd, lst, 1, g.nnt, g.net, g.nx, g.ny, g.nzt, transport_incidence(g), g.x, g.y, g.z, 15, heat, fs, wt);
+        element_positions(heat.pat, transport_incidence(g), g.net, heat.idir, heat.ncum, 15, heat.epos);
         size_media(m, g, false, lst);
         m.tkel.assign(g.net + 1, 0.0);
         for (int e = 1; e <= g.net; ++e) {

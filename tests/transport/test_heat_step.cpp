@@ -85,12 +85,12 @@ TEST(HeatStep, HeaterInAnInsulatedBoxWarmsItByItsEnergy)
     c.heaters.fluxin1 = {0, 0.0};
     c.heaters.fluxin2 = {0, 20.0};  // W/m3 over a brick of 1 m3
     c.heaters.hnode.assign(9, 0);
-    for (int s = 1; s <= 8; ++s) c.heaters.hnode[s] = node_at(c.g.int8, e, s);
+    for (int s = 1; s <= 8; ++s) c.heaters.hnode[s] = node_at(transport_incidence(c.g), e, s);
     const double dt = day;
     for (int n = 0; n < 5; ++n) c.step(1, dt);
     std::vector<double> vnode(c.g.nnt + 1, 0.0);
     for (int el = 1; el <= c.g.net; ++el)
-        for (int s = 1; s <= 8; ++s) vnode[node_at(c.g.int8, el, s)] += 1.0 / 8;  // bricks of 1 m3
+        for (int s = 1; s <= 8; ++s) vnode[node_at(transport_incidence(c.g), el, s)] += 1.0 / 8;  // bricks of 1 m3
     double heat = 0;
     for (int nd = 1; nd <= c.g.nnt; ++nd) heat += c.capacity() * vnode[nd] * (c.f.t1[nd] - 4.0);
     EXPECT_NEAR(heat, 20.0 * 1.0 * 5 * dt, 1e-6 * 20.0 * 5 * dt);

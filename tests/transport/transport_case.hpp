@@ -35,16 +35,16 @@ struct TransportCase {
         if (!boundary.empty()) {
             std::istringstream in(boundary);
             RecordReader rd(in, "boundary");
-            mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, 15, mass, fs, wt);
+            mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, transport_incidence(g), g.x, g.y, g.z, 15, mass, fs, wt);
         } else {
             mass.nn = g.nnt;
             mass.idir.assign(g.nnt + 1, 0);
             mass.fc.assign(g.nnt + 1, 0.0);
             mass.qnode.assign(g.nnt + 1, 0.0);
             count_fixed(mass);
-            build_pattern(Listing{}, g.int8, g.net, 15, mass);
+            build_pattern(Listing{}, transport_incidence(g), g.net, 15, mass);
         }
-        element_positions(mass.pat, g.int8, g.net, mass.idir, mass.ncum, 15, mass.epos);
+        element_positions(mass.pat, transport_incidence(g), g.net, mass.idir, mass.ncum, 15, mass.epos);
         size_media(m, g, false, lst);
         for (int e = 1; e <= g.net; ++e) {
             m.por[e] = por;
