@@ -25,4 +25,4 @@ set output "age_section_profile.png"
 set title "age\\_section: age down the column at x = 200 m (t1dz.plt)"
 set xlabel "age (years)"; set ylabel "z (m)"
 set key bottom left
-plot for [n in "2 4 6 11 26"] zone("t1dz.plt", n + 0) using 4:1 title sprintf("%d years", (n - 1) * 20)
+plot for [n in "2 3 6 11 16"] zone("t1dz.plt", n + 0) using 4:1 title sprintf("%d years", (n - 1) * 20)
