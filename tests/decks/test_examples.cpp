@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr int kStepsUnderSanitizers = 6;
+constexpr int kStepsUnderSanitizers = 20;
 #else
 constexpr int kStepsUnderSanitizers = 0;  // 0: the full run
 #endif
