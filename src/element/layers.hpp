@@ -41,7 +41,8 @@ inline std::vector<int> layer_runs(int ne, int nexy, int threads)
     if (nexy <= 0 || ne % nexy != 0) threads = 1;
     threads = std::max(1, std::min(threads, layers / 2));
     std::vector<int> first(threads + 1);
-    for (int t = 0; t <= threads; ++t) first[t] = (int)((long long)layers * t / threads) * nexy + 1;
+    for (int t = 0; t < threads; ++t) first[t] = (int)((long long)layers * t / threads) * nexy + 1;
+    first[threads] = ne + 1;
     return first;
 }
 

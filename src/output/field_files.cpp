@@ -23,14 +23,17 @@ void write_field_file(std::ostream& os, const PlotContext& c, std::string& b)
     add_count(b, g.nx);
     add_line(b, ", T=\"T,C,H\"");
     Rows r = begin_rows(os, b, 6, 15, 6);
-    for (int n = 1; n <= g.nnt; ++n) {
-        put(r, g.x[n]);
-        put(r, g.y[n]);
-        put(r, g.z[n]);
-        put(r, f.t1[n]);
-        put(r, f.t2[n]);
-        put(r, n <= g.nn ? f.u[n] : 0.0);
-    }
+    put_values(r, 6LL * g.nnt, [&](long long k) {
+        const int n = (int)(k / 6) + 1;
+        switch (k % 6) {
+        case 0: return g.x[n];
+        case 1: return g.y[n];
+        case 2: return g.z[n];
+        case 3: return f.t1[n];
+        case 4: return f.t2[n];
+        default: return n <= g.nn ? f.u[n] : 0.0;
+        }
+    });
     end_rows(r);
 }
 
@@ -58,15 +61,17 @@ void write_movie_frame(std::ostream& os, const PlotContext& c, int& frames, std:
     add(b, " days\"");
     add_line(b, first ? "" : ",D=(1,2,3)");
     Rows r = begin_rows(os, b, 5, 15, 6);
-    for (int n = 1; n <= g.nnt; ++n) {
-        if (first) {
-            put(r, g.x[n]);
-            put(r, g.y[n]);
-            put(r, g.z[n]);
+    const int per_node = first ? 5 : 2;  // x, y, z only in the first frame
+    put_values(r, (long long)per_node * g.nnt, [&](long long k) {
+        const int n = (int)(k / per_node) + 1;
+        switch (k % per_node + (first ? 0 : 3)) {
+        case 0: return g.x[n];
+        case 1: return g.y[n];
+        case 2: return g.z[n];
+        case 3: return c.f.t1[n];
+        default: return c.f.t2[n];
         }
-        put(r, c.f.t1[n]);
-        put(r, c.f.t2[n]);
-    }
+    });
     end_rows(r);
     add(b, "text x=80., y=90.,f=helv,cs=frame,hu=point,h=20,c=black,bx=filled,bxf=white,bxo=white,t=\"");
     add_days(b, c.tdays);

@@ -10,7 +10,11 @@
 #include "output/plot_state.hpp"
 #include "timeloop/forcing.hpp"
 
+#include <omp.h>
+
+#include <algorithm>
 #include <ostream>
+#include <vector>
 #include <string>
 #include <string_view>
 
@@ -68,6 +72,45 @@ inline void put(Rows& r, double v)
 }
 // Closes a short last record and writes what is left.
 void end_rows(Rows& r);
+
+// Puts value(0) ... value(count - 1) as `put` would, one after the other, with the text
+// of large runs formatted on all threads: each thread formats whole records of a block
+// into its own piece, and the pieces go to the file in order, so the file is the same
+// with any thread count.
+template <class Value>
+void put_values(Rows& r, long long count, Value&& value)
+{
+    long long k = 0;
+    for (; k < count && r.n != 0; ++k) put(r, value(k));  // an open record first
+    const int threads = omp_in_parallel() ? 1 : omp_get_max_threads();
+    const long long per_piece = 4096LL * r.per_row;  // values a thread formats between writes
+    if (threads == 1 || count - k < per_piece) {
+        for (; k < count; ++k) put(r, value(k));
+        return;
+    }
+    write_block(*r.os, *r.b);
+    const long long start = k;  // a record boundary
+    std::vector<std::string> pieces(threads);
+    for (std::string& p : pieces) p.reserve((std::size_t)per_piece * (r.w + 1));
+    while (k < count) {
+        const long long n = std::min(count - k, per_piece * threads);
+        const long long records = (n + r.per_row - 1) / r.per_row;
+#pragma omp parallel for schedule(static, 1) num_threads(threads)
+        for (int t = 0; t < threads; ++t) {
+            std::string& p = pieces[t];
+            p.clear();
+            const long long first = k + records * t / threads * r.per_row;
+            const long long last = std::min(k + records * (t + 1) / threads * r.per_row, k + n);
+            for (long long j = first; j < last; ++j) {
+                append_e(p, value(j), r.w, r.d);
+                if ((j - k + 1) % r.per_row == 0) p.push_back('\n');
+            }
+        }
+        for (std::string& p : pieces) r.os->write(p.data(), (std::streamsize)p.size());
+        k += n;
+    }
+    r.n = (int)((count - start) % r.per_row);
+}
 
 // Reserves the record buffer once for the whole run.
 void reserve_records(PlotOutputs& p);

@@ -197,14 +197,17 @@ void write_vectors3d(std::ostream& os, const PlotContext& c, std::string& b)
     add_count(b, g.nezt);
     days_zone(b, c, ", T=\"");
     Rows r = begin_rows(os, b, 6, 14, 6);
-    for (int e = 1; e <= g.net; ++e) {
-        put(r, centre(g, e, g.x));
-        put(r, centre(g, e, g.y));
-        put(r, centre(g, e, g.z));
-        put(r, at(c.v.vx, e));
-        put(r, at(c.v.vy, e));
-        put(r, at(c.v.vz, e));
-    }
+    put_values(r, 6LL * g.net, [&](long long k) {
+        const int e = (int)(k / 6) + 1;
+        switch (k % 6) {
+        case 0: return centre(g, e, g.x);
+        case 1: return centre(g, e, g.y);
+        case 2: return centre(g, e, g.z);
+        case 3: return at(c.v.vx, e);
+        case 4: return at(c.v.vy, e);
+        default: return at(c.v.vz, e);
+        }
+    });
     end_rows(r);
 }
 
