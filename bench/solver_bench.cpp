@@ -103,6 +103,7 @@ GridSystem& grid_system(int n)
     s = std::make_unique<GridSystem>();
     s->n = n;
     s->p = grid_pattern(n);
+    icc::plan_factorisation(s->p);  // as a transport pattern has it
     const int neq = s->p.neq;
     s->a.assign(s->p.nvec + 1, 0.0);
     s->b.assign(neq + 1, 0.0);
@@ -170,6 +171,14 @@ void BM_ProductForm2(benchmark::State& st)
         benchmark::ClobberMemory();
     }
     set_traffic(st, s, 12.0 * s.p.nvec + 28.0 * s.p.neq);
+}
+
+void BM_IccPlan(benchmark::State& st)
+{
+    LowerPattern p = grid_system(int(st.range(0))).p;
+    for (auto _ : st) icc::plan_factorisation(p);
+    st.counters["nnz"] = p.nvec;
+    st.counters["shapes"] = p.shapes;
 }
 
 void BM_IccFactorise(benchmark::State& st)
@@ -316,6 +325,8 @@ BENCHMARK(BM_IccTriangularSolve)->Arg(50)->Arg(100)
     ->Unit(benchmark::kMillisecond)->Iterations(4)->Repetitions(10);
 BENCHMARK(BM_SsorBlockSweep)->Arg(50)->Arg(100)
     ->Unit(benchmark::kMillisecond)->Iterations(4)->Repetitions(10);
+BENCHMARK(BM_IccPlan)->Arg(50)->Arg(100)
+    ->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(2);
 BENCHMARK(BM_IccFactorise)->Arg(50)->Arg(100)
     ->Unit(benchmark::kMillisecond)->Iterations(2)->Repetitions(3);
 BENCHMARK(BM_SsorBlockSetup)->Arg(50)->Arg(100)

@@ -4,6 +4,7 @@
 #include "base/stop.hpp"
 #include "input/deck_io.hpp"
 #include "output/fortran_format.hpp"
+#include "solver/pcg_icc.hpp"
 
 #include <algorithm>
 #include <climits>
@@ -286,6 +287,7 @@ int build_pattern(const Listing& lst, const std::vector<int>& inc, int ne, int n
         const int* row = &icol[(std::size_t)(m - 1) * nb];
         for (int k = pat.ia[m]; k < pat.ia[m + 1]; ++k) pat.ja[k] = row[k - pat.ia[m] + 1];
     }
+    if (fi.ktype != 0) icc::plan_factorisation(pat);  // transport solves factorise every step
     return bw;
 }
 

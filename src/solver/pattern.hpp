@@ -12,6 +12,15 @@ struct LowerPattern {
     int bandwidth = 0;      // widest row found, diagonal included
     std::vector<int> ia;    // size neq+2; ia[neq+1] = nvec + 1
     std::vector<int> ja;    // size nvec+1: column of each stored entry
+    // The plan of the incomplete factorisation (plan_factorisation), empty without one.
+    // A row's shape is the list of its offsets m - column.  Rows of a grid have few
+    // shapes, and what the factorisation of entry q of a row of shape s with a row of
+    // shape t must pair depends on s, q and t alone: that list of position pairs is found
+    // once for the pattern.
+    std::vector<int> shape;                 // 1..neq: shape of each row
+    int shapes = 0;                         // distinct shapes
+    std::vector<int> pair_start;            // ((s*15 + q)*shapes + t): first pair; one past the end last
+    std::vector<std::uint8_t> pair_pos;     // the pairs: position in row i, position in row j (1..14)
 };
 
 // Column of position k (1..nb) of row m, 0 past the row's entries: the wide form in which

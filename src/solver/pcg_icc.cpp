@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "base/stop.hpp"
 #include "output/fortran_format.hpp"
@@ -23,12 +25,66 @@ constexpr double cred = 0.00999999977648258;
 constexpr int maxit = 400;
 }  // namespace
 
+void plan_factorisation(LowerPattern& p)
+{
+    constexpr int most_shapes = 256;  // beyond, finding the table would outgrow what it saves
+    constexpr int row_max = 15;       // stored entries a row, diagonal included
+    p.shape.clear();
+    p.pair_start.clear();
+    p.pair_pos.clear();
+    p.shapes = 0;
+    const int neq = p.neq;
+    const int* ia = p.ia.data();
+    const int* ja = p.ja.data();
+    std::map<std::vector<int>, int> ids;
+    std::vector<std::vector<int>> offsets;  // of each shape
+    std::vector<int> shape(neq + 1, 0), row;
+    for (int i = 1; i <= neq; ++i) {
+        if (ia[i + 1] - ia[i] > row_max) return;
+        row.clear();
+        for (int k = ia[i] + 1; k < ia[i + 1]; ++k) row.push_back(i - ja[k]);
+        const auto [it, fresh] = ids.try_emplace(row, (int)offsets.size());
+        if (fresh) {
+            if ((int)offsets.size() == most_shapes) return;
+            offsets.push_back(row);
+        }
+        shape[i] = it->second;
+    }
+    const int S = (int)offsets.size();
+    // Entry q (1-based among the off-diagonals) of a row of shape s has column j = i - o,
+    // o = offsets[s][q-1]; a column c < j common to row i and row j (shape t) sits at
+    // offset o + o' in row i, o' in row j.  The pairs go in ascending c: descending o'.
+    std::vector<int> start((std::size_t)S * row_max * S + 1, 0);
+    std::vector<std::uint8_t> pos;
+    for (int s = 0; s < S; ++s)
+        for (int q = 0; q < row_max; ++q)
+            for (int t = 0; t < S; ++t) {
+                start[((std::size_t)s * row_max + q) * S + t] = (int)pos.size() / 2;
+                if (q == 0 || q > (int)offsets[s].size()) continue;
+                const int o = offsets[s][q - 1];
+                const std::vector<int>& rt = offsets[t];
+                for (int b = (int)rt.size(); b >= 1; --b) {
+                    const auto hit = std::find(offsets[s].begin(), offsets[s].end(), o + rt[b - 1]);
+                    if (hit == offsets[s].end()) continue;
+                    pos.push_back((std::uint8_t)(hit - offsets[s].begin() + 2));  // position in row i
+                    pos.push_back((std::uint8_t)(b + 1));                         // position in row j
+                }
+            }
+    start.back() = (int)pos.size() / 2;
+    p.shape = std::move(shape);
+    p.shapes = S;
+    p.pair_start = std::move(start);
+    p.pair_pos = std::move(pos);
+}
+
 void ilu(std::span<double> f, const LowerPattern& p, const Listing& lst)
 {
     const int neq = p.neq;
     const int* ia = p.ia.data();
     const int* ja = p.ja.data();
     double* fv = f.data();
+    const bool planned = !p.shape.empty();
+    const int S = p.shapes;
 
     double maxratio = 0.0;
     for (int i = 1; i <= neq; ++i) {
@@ -36,21 +92,31 @@ void ilu(std::span<double> f, const LowerPattern& p, const Listing& lst)
         const int k2 = ia[i + 1] - 1;
         // Entries of row i in ascending column j.  Row i still holds l(i,c) d(c) for c < j,
         // row j the scaled l(j,c): merging both from their far ends (smallest columns)
-        // subtracts sum over c < j of l(i,c) d(c) l(j,c).
+        // subtracts sum over c < j of l(i,c) d(c) l(j,c).  With a plan the common columns
+        // are known in advance, in the same ascending order.
         for (int k = k2; k > k1; --k) {
             const int j = ja[k];
-            int u = k2;
-            int v = ia[j + 1] - 1;
             double sum = 0.0;
-            while (ja[u] < j && ja[v] < j) {
-                if (ja[u] == ja[v]) {
-                    sum += fv[u] * fv[v];
-                    --u;
-                    --v;
-                } else if (ja[u] < ja[v]) {
-                    --u;
-                } else {
-                    --v;
+            if (planned) {
+                const std::size_t key = ((std::size_t)p.shape[i] * 15 + (k - k1)) * S + p.shape[j];
+                const std::uint8_t* pr = p.pair_pos.data() + 2 * (std::size_t)p.pair_start[key];
+                const std::uint8_t* end = p.pair_pos.data() + 2 * (std::size_t)p.pair_start[key + 1];
+                const double* fi = fv + k1 - 1;
+                const double* fj = fv + ia[j] - 1;
+                for (; pr != end; pr += 2) sum += fi[pr[0]] * fj[pr[1]];
+            } else {
+                int u = k2;
+                int v = ia[j + 1] - 1;
+                while (ja[u] < j && ja[v] < j) {
+                    if (ja[u] == ja[v]) {
+                        sum += fv[u] * fv[v];
+                        --u;
+                        --v;
+                    } else if (ja[u] < ja[v]) {
+                        --u;
+                    } else {
+                        --v;
+                    }
                 }
             }
             fv[k] -= sum;

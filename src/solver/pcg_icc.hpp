@@ -9,6 +9,10 @@
 // "ilu" and "icc"; all of them go to the listing.  All vectors one-based.
 namespace icc {
 
+// Finds the factorisation plan of a pattern (see LowerPattern); leaves none when the rows
+// have too many shapes for one to pay.
+void plan_factorisation(LowerPattern& p);
+
 // Factorise f (a copy of a, same pattern) in place: f[ia[i]] becomes the pivot d(i), the
 // other entries of row i the unit lower factors L(i,j).  Prints a notice on the listing
 // when a pivot had to be held up by 90 % or more of its value.

@@ -137,6 +137,14 @@ void expect_plain_results(const LowerPattern& p, const Values& s, const std::str
     matvec_lower_cleared(p, s.a, s.v, y);
     EXPECT_TRUE(same_bits(y, plain_product(s.a, p, s.v, true))) << "form 2, " << what;
 
+    // the factorisation with its plan of common columns, against the merge of the rows
+    LowerPattern planned = p;
+    icc::plan_factorisation(planned);
+    std::vector<double> f1 = s.a, f2 = s.a;
+    icc::ilu(f1, p, Listing{});
+    icc::ilu(f2, planned, Listing{});
+    EXPECT_TRUE(same_bits(f1, f2)) << "ilu with its plan, " << what << " (" << planned.shapes << " shapes)";
+
     std::vector<double> z = s.v, want = s.v;
     icc::ilu_solve(s.a, p, pattern_reach(p), z);
     plain_ilu_solve(s.a, p, want);
