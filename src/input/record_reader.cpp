@@ -207,7 +207,10 @@ ReadStatus RecordReader::value(const Slot& s)
         problem_ = std::string(s.i ? "expected an integer" : "expected a number") + ", found \"" + shown(text) + "\"";
         st = ReadStatus::bad;
     }
-    if (trace_ && by_value_ && st != ReadStatus::ok) report(st, false);
+    if (trace_ && by_value_ && st != ReadStatus::ok) {
+        report(st, false);
+        by_value_ = false;  // reported once, whether or not the caller ends the list
+    }
     return st;
 }
 

@@ -32,8 +32,6 @@ void read_heater(RecordReader& rd, const Listing& lst, HeaterRecord& h, int& mor
                 {"error in reading internal heat flux", "check i1,i2,j1,j2,k1,k2,fluxin1,fluxin2,decay2,more",
                  "program stopping"},
                 h.i1, h.i2, h.j1, h.j2, h.k1, h.k2, h.fluxin1, h.fluxin2, h.decay2, more);
-    if (h.i1 <= 0 || h.i2 <= 0 || h.j1 <= 0 || h.j2 <= 0 || h.k1 <= 0 || h.k2 <= 0)
-        rd.note("an index 0 or below: no heater, the list ends here whatever its more");
 }
 
 void read_source(RecordReader& rd, const Listing& lst, SourceRecord& s, int& more)

@@ -179,6 +179,12 @@ TEST(DeckChecker, NamesLineRecordAndValueOfABrokenDeck)
     EXPECT_EQ(stop_summary(c), "the run stops after record 20 (ivel vx0 vy0 vz0 iflipv) (line 31): ivel=0 vx0=0.0 "
                                "vy0=0.0 vz0=0.0 iflipv=0");
     EXPECT_EQ(c.message, std::vector<std::string>{"          error, iflipv=0, stopping ..."});
+
+    // an input file the options ask for and the folder lacks
+    c = check_deck({{"gelmor.data", with_line(valley, 4, "0 0 0 0 0 0 1 3 1 0 0 2 0 0")}});
+    ASSERT_TRUE(c.stopped);
+    EXPECT_EQ(stop_summary(c), "the run stops in the input file tair.data, read after record 19 (tide) (line 30)");
+    EXPECT_EQ(c.message.front(), "          error... you are trying to read tair.data");
 }
 
 TEST(DeckChecker, CommandLineReportsAndExitStatus)

@@ -197,6 +197,11 @@ std::string stop_summary(const DeckCheck& c)
             where += ", value " + std::to_string(e->values.size()) + " (" + names[e->values.size() - 1] + ")";
         return where + ": " + e->problem;
     }
+    // an input file read after the last record is where the run stopped
+    std::string file;
+    for (auto it = c.trace.rbegin(); it != c.trace.rend() && it->is_note; ++it)
+        if (const std::size_t p = it->text.find(": read here"); p != std::string::npos) file = it->text.substr(0, p);
+    if (!file.empty()) return "the run stops in the input file " + file + ", read after " + rec + " (" + lines_of(*e) + ")";
     return "the run stops after " + rec + " (" + lines_of(*e) + "): " + with_names(*e);
 }
 
