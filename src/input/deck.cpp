@@ -29,9 +29,12 @@ std::vector<std::string> banner_lines(const Deck& deck)
 
 void read_titles(RecordReader& rd, const Listing& lst, Deck& deck)
 {
-    static const char* const label[] = {"", "record 1 (title line 1)", "record 1 (title line 2)", "record 1 (title line 3)"};
-    for (int k = 1; k <= 3; ++k)
-        if (rd.label(label[k]), rd.title(deck.title[k]) != ReadStatus::ok) input_failure(rd, lst, "the title lines", ReadStatus::eof);
+    static const char* const label[] = {"", "record 1 (title line 1)", "record 1 (title line 2)",
+                                        "record 1 (title line 3)"};
+    for (int k = 1; k <= 3; ++k) {
+        rd.label(label[k]);
+        if (rd.title(deck.title[k]) != ReadStatus::ok) input_failure(rd, lst, "the title lines", ReadStatus::eof);
+    }
 }
 
 void read_options(RecordReader& rd, const Listing& lst, Options& o)
@@ -206,7 +209,8 @@ void read_properties(RecordReader& rd, const Listing& lst, bool unsat, const Gri
                     {"error reading indexed K data in gelmor.data", "program stopping ..."}, b.i1, b.i2, b.j1, b.j2,
                     b.k1, b.k2, v.ckx, v.cky, v.ckz, v.tcx, v.cps, v.ps, v.theta, v.satw, more);
         if (!property_block(b, unsat, g, m, lst)) {  // a zero index ends the list at once
-            rd.note("an index 0 (or an odd count of negative ones): block ignored, the list ends here whatever its more");
+            rd.note("an index 0 (or an odd count of negative ones): block ignored, the list ends here whatever "
+                    "its more");
             break;
         }
     } while (more > 0);

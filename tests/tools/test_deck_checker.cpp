@@ -150,7 +150,8 @@ TEST(DeckChecker, NamesLineRecordAndValueOfABrokenDeck)
     EXPECT_EQ(c.message.front(), "          error reading surfat terms (tair,bz,sat or tide)...");
     const std::string report = deck_report(c, deck);
     EXPECT_NE(report.find("record 13m (boundary section, mass): absent, kmass = 0"), std::string::npos);
-    EXPECT_NE(report.find("line 24     record 15c (tcon porsurf satsurf): tcon=1 porsurf=0 satsurf=0"), std::string::npos);
+    EXPECT_NE(report.find("line 24     record 15c (tcon porsurf satsurf): tcon=1 porsurf=0 satsurf=0"),
+              std::string::npos);
     EXPECT_NE(report.find("!! the rest of line 24 is dropped"), std::string::npos);
 
     // a value that is no number: the thermal constants of the small deck
@@ -163,8 +164,8 @@ TEST(DeckChecker, NamesLineRecordAndValueOfABrokenDeck)
     EXPECT_EQ(c.message.front(), "          error reading cf,pf ... etc.");
     // a comma for a decimal point makes two values of one, and the last is dropped
     deck = small_deck({{"[thermal]", "4186.0 1000.0 2100.0 917.0 0.58 2,24 334000.0   [thermal]"}});
-    EXPECT_NE(deck_report(check_deck({{"gelmor.data", deck}}), deck).find("!! the rest of line " + line + " is dropped"),
-              std::string::npos);
+    const std::string report2 = deck_report(check_deck({{"gelmor.data", deck}}), deck);
+    EXPECT_NE(report2.find("!! the rest of line " + line + " is dropped"), std::string::npos);
 
     // a cut deck: it ends where record 20 should stand
     c = check_deck({{"gelmor.data", cut(valley, 30)}});

@@ -201,7 +201,8 @@ std::string stop_summary(const DeckCheck& c)
     std::string file;
     for (auto it = c.trace.rbegin(); it != c.trace.rend() && it->is_note; ++it)
         if (const std::size_t p = it->text.find(": read here"); p != std::string::npos) file = it->text.substr(0, p);
-    if (!file.empty()) return "the run stops in the input file " + file + ", read after " + rec + " (" + lines_of(*e) + ")";
+    if (!file.empty())
+        return "the run stops in the input file " + file + ", read after " + rec + " (" + lines_of(*e) + ")";
     return "the run stops after " + rec + " (" + lines_of(*e) + "): " + with_names(*e);
 }
 
