@@ -37,7 +37,6 @@ LowerPattern grid_pattern(int n)
     p.ia.assign(p.neq + 2, 0);
     p.ja.assign(1, 0);
     p.ja.reserve(std::size_t(14) * p.neq + 1);
-    p.icol.assign(std::size_t(p.neq) * p.nb + 1, 0);
     p.ia[1] = 1;
     std::vector<int> row;
     for (int i = 1; i <= n; ++i)
@@ -57,7 +56,6 @@ LowerPattern grid_pattern(int n)
                 p.ja.push_back(m);
                 p.ja.insert(p.ja.end(), row.begin(), row.end());
                 p.ia[m + 1] = (int)p.ja.size();
-                for (int k2 = p.ia[m]; k2 < p.ia[m + 1]; ++k2) icol_at(p, m, k2 - p.ia[m] + 1) = p.ja[k2];
             }
     p.nvec = p.ia[p.neq + 1] - 1;
     p.bandwidth = 14;

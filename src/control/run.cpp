@@ -58,16 +58,22 @@ ThermalConstants thermal_constants(const Deck& d)
     return tc;
 }
 
-// The shared matrix store and work of the solves, sized for the largest field.
+// Whether the run ever solves flow, and whether it ever solves transport.
+bool solves_flow(const Options& opt) { return opt.kcntrl != 2; }
+bool solves_transport(const Options& opt) { return opt.kcntrl != 1 && opt.kcntrl != 3; }
+
+// The shared matrix store and work of the solves, sized for the largest field the run
+// solves.
 void size_solves(RunState& rs)
 {
     int nn = rs.grid.nn, nnz = 0, nwork = 0;
     for (const FieldIndex* fi : {&rs.flow, &rs.heat, &rs.mass}) {
         nn = std::max(nn, fi->nn);
-        nnz = std::max(nnz, fi->pat.nvec);
+        if (fi == &rs.flow ? solves_flow(rs.opt) : solves_transport(rs.opt)) nnz = std::max(nnz, fi->pat.nvec);
     }
     nwork = 6 * rs.flow.neq;
-    for (const FieldIndex* fi : {&rs.heat, &rs.mass}) nwork = std::max(nwork, 3 * fi->neq + fi->pat.nvec);
+    if (solves_transport(rs.opt))
+        for (const FieldIndex* fi : {&rs.heat, &rs.mass}) nwork = std::max(nwork, 3 * fi->neq + fi->pat.nvec);
     // the block list never holds more blocks than equations
     size_solver_work(rs.work, nn, nnz, nwork, rs.flow.neq + 1);
     rs.bs.assign(rs.flow.neq + 1, 0.0);
@@ -135,7 +141,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     mindex(rd, lst, 0, g.nn, g.ne, g.nx, g.ny, g.nz, g.in, g.x, g.y, g.z, g.nb, rs.flow, rs.faces, rs.wt);
     lst.flush();
     rs.fc0 = rs.flow.fc;
-    element_positions(rs.flow.pat, g.in, g.ne, rs.flow.idir, rs.flow.ncum, g.nb, rs.flow.epos);
+    if (solves_flow(opt)) element_positions(rs.flow.pat, g.in, g.ne, rs.flow.idir, rs.flow.ncum, g.nb, rs.flow.epos);
     rs.top_idir.assign(g.nxy + 1, 0);
     for (int c = 1; c <= g.nxy; ++c) rs.top_idir[c] = rs.flow.idir[c * g.nz];
 
@@ -178,11 +184,16 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     // age has no boundary section: every transport node is free, and the pattern is
     // built quietly
     if (opt.lage) build_pattern(Listing{}, g.int8, g.net, g.nbb, rs.mass);
-    // the slots of every brick, for the assembly of the transport steps
-    if (opt.lheat)
-        element_positions(rs.heat.pat, g.int8, g.net, rs.heat.idir, rs.heat.ncum, nb_transport, rs.heat.epos);
-    if (opt.lmass || opt.lage)
-        element_positions(rs.mass.pat, g.int8, g.net, rs.mass.idir, rs.mass.ncum, nb_transport, rs.mass.epos);
+    // the slots of every brick, for the assembly of the transport steps; a flow-only run
+    // keeps of the transport patterns only their counts, which the listing has shown
+    if (solves_transport(opt)) {
+        if (opt.lheat)
+            element_positions(rs.heat.pat, g.int8, g.net, rs.heat.idir, rs.heat.ncum, nb_transport, rs.heat.epos);
+        if (opt.lmass || opt.lage)
+            element_positions(rs.mass.pat, g.int8, g.net, rs.mass.idir, rs.mass.ncum, nb_transport, rs.mass.epos);
+    } else {
+        for (FieldIndex* fi : {&rs.heat, &rs.mass}) fi->pat.ia = fi->pat.ja = std::vector<int>();
+    }
     size_solves(rs);
     size_deformation(rs.defo, g);
     std::vector<double> u = std::move(rs.f.u), u0 = std::move(rs.f.u0), ui = std::move(rs.f.ui);

@@ -19,7 +19,7 @@ struct FieldIndex {
     int neq = 0;                   // degrees of freedom, nn - ndirn
     int kbtop = 0;                 // -1 when kb(6) = 4 (top thermally leaky for heat)
     double last_value = 0;         // value of the last Dirichlet patch read (-999: cosine surface)
-    LowerPattern pat;              // ia, ja, icol
+    LowerPattern pat;              // ia, ja
     ElementPositions epos;         // brick slots in pat for transport assembly; remade with pat
 };
 

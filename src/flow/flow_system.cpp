@@ -3,6 +3,7 @@
 #include "base/limits.hpp"
 #include "element/fracture_geometry.hpp"
 #include "element/hex.hpp"
+#include "element/layers.hpp"
 #include "solver/lower_csr.hpp"
 #include "solver/pcg_ssor.hpp"
 #include "solver/stream_ahead.hpp"
@@ -24,9 +25,11 @@ struct Assembly {
 // with ek alone, and the diagonal gathers the old-level storage and the buoyancy drive
 // rhs[i] into bs.  `slots`, when given, are the element's positions found in advance
 // (a brick's 64, see ElementPositions): the same additions, without the searches.
+// `share` picks the destinations a brick adds to on this sweep (see for_each_element_in_order).
 template <int N>
 void scatter_flow(const int nodes[N + 1], const double ek[N + 1][N + 1], const double es[N + 1][N + 1],
-                  const double rhs[N + 1], Assembly& as, const std::uint8_t* slots = nullptr)
+                  const double rhs[N + 1], Assembly& as, const std::uint8_t* slots = nullptr,
+                  Share share = Share::all)
 {
     const int* ia = as.flow.pat.ia.data();
     const int* idir = as.flow.idir.data();
@@ -39,11 +42,11 @@ void scatter_flow(const int nodes[N + 1], const double ek[N + 1][N + 1], const d
         for (int j = 1; j <= N; ++j) {
             const int q = nodes[j];
             if (idir[q] == 1) {
-                as.t.b[m1] -= ek[i][j] * fc[q];
+                if (adds_to(share, i, i)) as.t.b[m1] -= ek[i][j] * fc[q];
                 continue;
             }
             const int m2 = q - ncum[q];
-            if (m2 < m1) continue;
+            if (m2 < m1 || !adds_to(share, i, j)) continue;
             const int pos = slots ? ia[m2] + slots[(i - 1) * 8 + j - 1] - 1 : lower_position(as.t, m1, m2);
             as.t.a[pos] += ek[i][j] + es[i][j];
             if (i == j) as.bs[m1] = es[i][i] * as.u0[p] + as.bs[m1] - rhs[i];
@@ -75,16 +78,20 @@ void assemble_flow(const Grid& g, const Media& m, const Fractures& fr, const Ele
     const std::vector<int>& nmap = g.nmap;
     const FreezeParams& pm = fp.medium;
     const FreezeParams& pf = fp.fracture;
-
-    int nodes[9], tnodes[9];
-    double ek[9][9] = {}, es[9][9] = {}, rhs[9] = {}, gv[9] = {};  // kept when kint is neither 0 nor 1
-    const bool fast = flow.epos.ne == g.ne && g.ne > 0;            // slots found in advance
+    const bool fast = flow.epos.ne == g.ne && g.ne > 0;  // slots found in advance
     // the temperatures and concentrations are read by transport node: the same numbers
     // in a saturated grid, where fetching them ahead pays
     const ElementStreams streams{g.in.data(), g.ne,        flow.idir.data(), flow.ncum.data(), pat.ia.data(),
                                  w.a.data(),  w.b.data(), bs.data(),
                                  {f.u0.data(), flow.fc.data(), f.t1.data(), f.t2.data()}};
-    for (int l = 1; l <= g.ne; ++l) {
+    auto element = [&](int l, Share share) {
+        int nodes[9], tnodes[9];
+        double ek[9][9], es[9][9], rhs[9], gv[9];
+        if (fp.kint != 0 && fp.kint != 1) {  // no element matrices: the element adds zeros
+            std::fill(&ek[0][0], &ek[0][0] + 81, 0.0);
+            std::fill(&es[0][0], &es[0][0] + 81, 0.0);
+            std::fill(gv, gv + 9, 0.0);
+        }
         if (fast) prefetch_element(streams, l);
         for (int a = 1; a <= 8; ++a) {
             nodes[a] = node_at(g.in, l, a);
@@ -123,7 +130,12 @@ void assemble_flow(const Grid& g, const Media& m, const Fractures& fr, const Ele
             flow_element_gauss(kx, ky, kz, g.x, g.y, g.z, tnodes, ek, es, st, fp.dtinv, gv, et.gauss);
         }
         for (int i = 1; i <= 8; ++i) rhs[i] = gv[i] * kz * r;
-        scatter_flow<8>(nodes, ek, es, rhs, as, fast ? &flow.epos.k[(std::size_t)(l - 1) * 64] : nullptr);
+        scatter_flow<8>(nodes, ek, es, rhs, as, fast ? &flow.epos.k[(std::size_t)(l - 1) * 64] : nullptr, share);
+    };
+    if (fast) {
+        for_each_element_in_order(g.ne, g.nexy, element);
+    } else {
+        for (int l = 1; l <= g.ne; ++l) element(l, Share::all);  // the searches carry their state along
     }
     if (fast) as.t.k = flow.epos.last_k;
 

@@ -224,8 +224,10 @@ int build_pattern(const Listing& lst, const std::vector<int>& inc, int ne, int n
     const int neq = fi.neq;
     pat.neq = neq;
     pat.nb = nb;
-    pat.icol.assign((std::size_t)neq * nb + 1, 0);
-    for (int i = 1; i <= neq; ++i) icol_at(pat, i, 1) = i;
+    // the wide form: the nb positions of each row side by side while the rows fill; it
+    // lives only here, the solves and the searches of assembly read ia and ja
+    std::vector<int> icol((std::size_t)neq * nb + 1, 0);
+    for (int i = 1; i <= neq; ++i) icol[(std::size_t)(i - 1) * nb + 1] = i;
     const int* idir = fi.idir.data();
     const int* ncum = fi.ncum.data();
     int bw = 0;
@@ -240,7 +242,7 @@ int build_pattern(const Listing& lst, const std::vector<int>& inc, int ne, int n
                 if (idir[q] == 1) continue;
                 const int m2 = q - ncum[q];
                 if (m1 >= m2) continue;
-                int* row = &pat.icol[(std::size_t)(m2 - 1) * nb];  // row[1..nb]
+                int* row = &icol[(std::size_t)(m2 - 1) * nb];  // row[1..nb]
                 int k = 1;
                 for (; k <= nb; ++k) {
                     if (row[k] == m1) break;
@@ -263,7 +265,7 @@ int build_pattern(const Listing& lst, const std::vector<int>& inc, int ne, int n
 
     // each row: diagonal first, then the other columns in strictly descending order
     for (int m = 1; m <= neq; ++m) {
-        int* row = &pat.icol[(std::size_t)(m - 1) * nb];
+        int* row = &icol[(std::size_t)(m - 1) * nb];
         int len = 1;
         while (len < nb && row[len + 1] != 0) ++len;
         std::sort(row + 2, row + len + 1, [](int u, int v) { return u > v; });
@@ -272,7 +274,7 @@ int build_pattern(const Listing& lst, const std::vector<int>& inc, int ne, int n
     pat.ia[1] = 1;
     int total = 0;
     for (int m = 1; m <= neq; ++m) {
-        const int* row = &pat.icol[(std::size_t)(m - 1) * nb];
+        const int* row = &icol[(std::size_t)(m - 1) * nb];
         int len = 0;
         while (len < nb && row[len + 1] != 0) ++len;
         total += len;
@@ -281,7 +283,7 @@ int build_pattern(const Listing& lst, const std::vector<int>& inc, int ne, int n
     pat.nvec = total;
     pat.ja.assign(total + 1, 0);
     for (int m = 1; m <= neq; ++m) {
-        const int* row = &pat.icol[(std::size_t)(m - 1) * nb];
+        const int* row = &icol[(std::size_t)(m - 1) * nb];
         for (int k = pat.ia[m]; k < pat.ia[m + 1]; ++k) pat.ja[k] = row[k - pat.ia[m] + 1];
     }
     return bw;

@@ -16,9 +16,11 @@ void element_velocities(const Grid& g, const Media& m, const ElementTables& et, 
 {
     if (kintv != 0 && kintv != 1) return;
     const FreezeParams& pm = fp.medium;
-    int nodes[9], tnodes[9];
-    double h[9], dndx[9], dndy[9], dndz[9], shp[9];
+    // every element on its own: the threads share nothing but what they read
+#pragma omp parallel for schedule(static)
     for (int l = 1; l <= g.ne; ++l) {
+        int nodes[9], tnodes[9];
+        double h[9], dndx[9], dndy[9], dndz[9], shp[9];
         double tbar = 0, csum = 0;
         for (int a = 1; a <= 8; ++a) {
             nodes[a] = node_at(g.in, l, a);

@@ -24,13 +24,17 @@ void fill_rhs(int nn, std::span<const int> idir, std::span<const int> ncum,
 int lower_position(ScatterTarget& t, int m1, int m2)
 {
     assert(t.bound <= t.pat.nb);
-    for (int k = 1; k <= t.bound; ++k) {
-        if (icol_at(t.pat, m2, k) == m1) {
+    // positions past the row's entries hold no column (0), which m1 >= 1 never matches
+    const int first = t.pat.ia[m2];
+    const int last = std::min(t.bound, t.pat.ia[m2 + 1] - first);
+    const int* row = t.pat.ja.data() + first - 1;  // row[k]: column of position k
+    for (int k = 1; k <= last; ++k) {
+        if (row[k] == m1) {
             t.k = k;
             break;
         }
     }
-    return t.pat.ia[m2] + t.k - 1;
+    return first + t.k - 1;
 }
 
 void element_positions(const LowerPattern& p, std::span<const int> inc, int ne, std::span<const int> idir,

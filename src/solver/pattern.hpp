@@ -12,13 +12,14 @@ struct LowerPattern {
     int bandwidth = 0;      // widest row found, diagonal included
     std::vector<int> ia;    // size neq+2; ia[neq+1] = nvec + 1
     std::vector<int> ja;    // size nvec+1: column of each stored entry
-    std::vector<int> icol;  // wide form for assembly: icol_at(m,k) = ja[ia[m]+k-1], 0 past the row
 };
 
-// The wide form keeps the nb positions of a row side by side, so that the short linear
-// search of assembly touches one or two cache lines.
-inline int& icol_at(LowerPattern& p, int m, int k) { return p.icol[(m - 1) * p.nb + k]; }
-inline int icol_at(const LowerPattern& p, int m, int k) { return p.icol[(m - 1) * p.nb + k]; }
+// Column of position k (1..nb) of row m, 0 past the row's entries: the wide form in which
+// the searches of assembly see a row.
+inline int icol_at(const LowerPattern& p, int m, int k)
+{
+    return k <= p.ia[m + 1] - p.ia[m] ? p.ja[p.ia[m] + k - 1] : 0;
+}
 
 // The slots of every brick's node pairs, found once for a pattern so that assembly needs
 // no search: for element e and local nodes i, j (1..8) with both nodes free and the
