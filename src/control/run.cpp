@@ -163,11 +163,11 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     gengrid(g, 1, opt.unsat, opt.kgo);
     echo_transport_grid(lst, g);
     trace_section(rd, "record 13h (boundary section, heat)", opt.kmass == 0 || opt.kmass == 3, "kmass", opt.kmass);
-    trace_section(rd, "record 13m (boundary section, mass)", opt.kmass == 1 || opt.kmass == 3, "kmass", opt.kmass);
     if (opt.kmass == 0 || opt.kmass == 3) {
         mindex(rd, lst, 1, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.heat, rs.faces, rs.wt);
         lst.flush();
     }
+    trace_section(rd, "record 13m (boundary section, mass)", opt.kmass == 1 || opt.kmass == 3, "kmass", opt.kmass);
     if (opt.kmass == 1 || opt.kmass == 3) {
         mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, g.int8, g.x, g.y, g.z, g.nbb, rs.mass, rs.faces, rs.wt);
         lst.flush();

@@ -173,6 +173,10 @@ TEST(DeckChecker, NamesLineRecordAndValueOfABrokenDeck)
     EXPECT_EQ(stop_summary(c), "the deck ends after line 30 inside record 20 (ivel vx0 vy0 vz0 iflipv): 0 value(s) "
                                "taken, more expected");
     EXPECT_EQ(c.message.front(), "          input error: end of file gelmor.data after line 30");
+    // inside a boundary section the summary names the section and the face
+    c = check_deck({{"gelmor.data", cut(valley, 22)}});
+    EXPECT_EQ(stop_summary(c), "the deck ends after line 22 inside record 13h (boundary section, heat), face 6 (top): "
+                               "a Dirichlet patch (i1 i2 j1 j2 value more): 0 value(s) taken, more expected");
 
     // a check after a sound read: the record and its values
     c = check_deck({{"gelmor.data", with_line(valley, 31, "0 0.0 0.0 0.0 0")}});

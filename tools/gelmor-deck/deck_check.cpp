@@ -127,6 +127,29 @@ const TraceEntry* last_read(const DeckCheck& c)
     return nullptr;
 }
 
+// The name of a read for a one-line summary: a record of a boundary section takes the
+// section and the face from the notes before it ("record 13h (boundary section, heat),
+// face 6 (top): a Dirichlet patch (...)").
+std::string record_name(const DeckCheck& c, const TraceEntry& e)
+{
+    if (e.text.empty()) return "an unnamed record";
+    if (e.text.starts_with("record")) return e.text;
+    std::string section, face;
+    for (const TraceEntry& t : c.trace) {
+        if (&t == &e) break;
+        if (!t.is_note) continue;
+        const std::string head = t.text.substr(0, t.text.find(':'));
+        if (head.starts_with("record 13")) {
+            section = head;
+            face.clear();
+        } else if (head.starts_with("face ")) {
+            face = head;
+        }
+    }
+    if (section.empty()) return e.text;
+    return section + (face.empty() ? std::string() : ", " + face) + ": " + e.text;
+}
+
 }  // namespace
 
 std::vector<std::string> value_names(const std::string& label, std::size_t count)
@@ -186,7 +209,7 @@ std::string stop_summary(const DeckCheck& c)
     if (!c.stopped) return "";
     const TraceEntry* e = last_read(c);
     if (!e) return "the run stops before it reads a record (no deck gelmor.data?)";
-    const std::string rec = e->text.empty() ? std::string("an unnamed record") : e->text;
+    const std::string rec = record_name(c, *e);
     if (e->status == ReadStatus::eof)
         return "the deck ends after line " + std::to_string(e->last_line) + " inside " + rec + ": " +
                std::to_string(e->values.size()) + " value(s) taken, more expected";
