@@ -10,6 +10,7 @@
 #include "grid/gengrid.hpp"
 #include "input/auxfiles.hpp"
 #include "input/deck.hpp"
+#include "input/deck_io.hpp"
 #include "input/initial_state.hpp"
 #include "output/fortran_format.hpp"
 #include "solver/lower_csr.hpp"
@@ -121,6 +122,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     read_wells(rd, lst, deck);
 
     gengrid(g, 0, opt.unsat, opt.kgo);
+    trace_file(rd, "grid3d.plt", opt.kgo == 4, "kgo", opt.kgo);
     if (opt.kgo == 4) read_grid3d(rs.files, lst, opt, g);
     echo_vertical_strip(lst, g, "vertical strip at (x,y)=(0,0) x,y,z coords:", 1);
     echo_vertical_strip(lst, g, "vertical strip at (x,y)=(xl,yl) x,y,z coords:", g.nn - g.nz + 1);
@@ -135,6 +137,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     fracture_summary(rs.frac, lst);
     lst.flush();
 
+    rd.note("record 13 (boundary section, flow): always there");
     mindex(rd, lst, 0, g.nn, g.ne, g.nx, g.ny, g.nz, g.in, g.x, g.y, g.z, g.nb, rs.flow, rs.faces, rs.wt);
     lst.flush();
     rs.fc0 = rs.flow.fc;
@@ -144,12 +147,14 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
 
     size_media(media, g, opt.unsat, lst);
     read_properties(rd, lst, opt.unsat, g, media);
+    trace_file(rd, "fgen92.asc", opt.krk > 0, "krk", opt.krk);
     if (opt.krk > 0) read_random_fields(rs.files.r(unit::fgen), opt.krk, media, lst);
     check_properties(media, lst);
     read_storage(rd, lst, media);
     read_init_head(rd, lst, deck);
     rs.f.u.assign(g.nn + 1, 0.0);
     rs.f.u0 = rs.f.ui = rs.f.u;
+    trace_file(rd, "hinput.data", deck.init == 1, "init", deck.init);
     set_initial_heads(rs.files, lst, deck, g, rs.f);
 
     g.nezt = g.nez;
@@ -157,10 +162,12 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     g.nnt = g.nx * g.ny * g.nzt;
     gengrid(g, 1, opt.unsat, opt.kgo);
     echo_transport_grid(lst, g);
+    trace_section(rd, "record 13h (boundary section, heat)", opt.kmass == 0 || opt.kmass == 3, "kmass", opt.kmass);
     if (opt.kmass == 0 || opt.kmass == 3) {
         mindex(rd, lst, 1, g.nnt, g.net, g.nx, g.ny, g.nzt, transport_incidence(g), g.x, g.y, g.z, g.nbb, rs.heat, rs.faces, rs.wt);
         lst.flush();
     }
+    trace_section(rd, "record 13m (boundary section, mass)", opt.kmass == 1 || opt.kmass == 3, "kmass", opt.kmass);
     if (opt.kmass == 1 || opt.kmass == 3) {
         mindex(rd, lst, 2, g.nnt, g.net, g.nx, g.ny, g.nzt, transport_incidence(g), g.x, g.y, g.z, g.nbb, rs.mass, rs.faces, rs.wt);
         lst.flush();
@@ -203,10 +210,12 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     size_forcing(rs.forcing, g.nx, g.nxy);
     rs.forcing.lleaky = leaky;
     read_surface_records(rd, lst, leaky, deck);
+    trace_file(rd, "tair.data", opt.ktair > 0, "ktair", opt.ktair);
     if (opt.ktair > 0) read_tair(rs.files, lst, rs.aux);
     read_hbdy(rs.files, lst, rs.aux);
     read_bzin(rs.files, lst, rs.aux);
     read_velocity_choice(rd, lst, opt, deck);
+    trace_file(rd, "veloc2d_in.data", deck.ivel == 3, "ivel", deck.ivel);
     set_given_velocities(rs, lst);
     read_transport_constants(rd, lst, opt, deck);
     read_initial_blocks(rd, lst, opt, g, deck);
@@ -216,6 +225,7 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     derived_parameters(g, rs.f, deck.medium, thermal_constants(deck), opt.lheat, deck.porsurf, deck.satsurf, media, lst);
     read_slope_zt(rs.files, lst, g, rs.heat.last_value > -999, rs.aux, rs.heat.fc, rs.f);
     h_adjust(lst, true, 0.0, deck.gammac, g, rs.flow, rs.fc0, rs.aux, rs.flow.fc, rs.f);
+    trace_file(rd, "therm_in.data", opt.kgo >= 1 && opt.kgo <= 3, "kgo", opt.kgo);
     if (opt.kgo >= 1 && opt.kgo <= 3) {
         read_restart(rs.files, lst, opt, g, rs.f, rs.flow.last_value < -998, rs.flow.fc);
         lst.flush();
@@ -230,6 +240,10 @@ void run_phases(RunState& rs, RecordReader& rd, const Listing& lst, const Consol
     close_unit(rs.files, unit::den_visc);
     initial_output(rs, lst);
     if (scope == RunScope::input_only) return;
+    if (scope == RunScope::deck) {
+        read_intervals(rs, rd, lst);
+        return;
+    }
 
     time_loop(rs, rd, lst, con);
     end_of_run(rs, lst, con);
@@ -241,11 +255,12 @@ struct Outcome {
 };
 
 // The run frame on an opened file table: the only catch of a fatal stop.
-Outcome run_frame(RunState& rs, std::ostream& console, RunScope scope)
+Outcome run_frame(RunState& rs, std::ostream& console, RunScope scope, TraceSink* trace = nullptr)
 {
     Listing lst{rs.files.out[unit::lst].get()};
     Console con{&console};
     RecordReader rd(*rs.files.r(unit::deck), "gelmor.data");
+    rd.set_trace(trace);
     Outcome o;
     try {
         run_phases(rs, rd, lst, con, scope);
@@ -288,11 +303,11 @@ int run_gelmor(const std::filesystem::path& dir, std::ostream& console)
     return status;
 }
 
-InputRun run_input_in_memory(const std::map<std::string, std::string>& texts)
+InputRun run_input_in_memory(const std::map<std::string, std::string>& texts, RunScope scope, TraceSink* trace)
 {
     RunState rs;
     if (!open_in_memory(rs.files, texts)) return {2, true, ""};
     std::ostringstream console;
-    const Outcome o = run_frame(rs, console, RunScope::input_only);
+    const Outcome o = run_frame(rs, console, scope, trace);
     return {o.status, o.stopped, memory_text(rs.files, unit::lst)};
 }

@@ -325,6 +325,7 @@ void mindex(RecordReader& rd, const Listing& lst, int ktype, int nn, int ne, int
         if (code == 6 && (k != 6 || ktype != 0))
             stop_run(lst, {"incompatible boundary conditions", "can only have type 6 on top bdy for flow",
                            "program stopping"});
+        trace_face(rd, k, code);
         if (code == 0 || code == 3) continue;
         switch (code) {
         case 2: neumann_patches(c, k); break;

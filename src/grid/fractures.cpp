@@ -8,14 +8,14 @@
 #include "element/fluid.hpp"
 #include "output/fortran_format.hpp"
 
-namespace {
-// pi as the pipe area has always been formed
-constexpr double pi_pipe = 3.14159265358979;
-
 bool is_dummy(const FractureRecord& r)
 {
     return r.ilx1 == 0 || r.ilx2 == 0 || r.ily1 == 0 || r.ily2 == 0 || r.ilz1 == 0 || r.ilz2 == 0;
 }
+
+namespace {
+// pi as the pipe area has always been formed
+constexpr double pi_pipe = 3.14159265358979;
 
 std::string indices(const char* label, const FractureRecord& r)
 {

@@ -46,6 +46,9 @@ void size_fractures(Fractures& fr, int ne, int kmass, bool lheat);
 // (kmass 1..3) and the density maximum 4 C otherwise.
 double fracture_gk(int kmass, bool lheat);
 
+// A record with any index 0 stands for no fracture: the dummy of an empty list.
+bool is_dummy(const FractureRecord& r);
+
 // One record after its read: echo, checks, generation of its elements, the running plane
 // counts, and its block in each geometry file (xz, xy).  A dummy record (a zero index)
 // does nothing.  Stops the run on a record inside the unsaturated zone, on an index

@@ -29,8 +29,12 @@ std::vector<std::string> banner_lines(const Deck& deck)
 
 void read_titles(RecordReader& rd, const Listing& lst, Deck& deck)
 {
-    for (int k = 1; k <= 3; ++k)
+    static const char* const label[] = {"", "record 1 (title line 1)", "record 1 (title line 2)",
+                                        "record 1 (title line 3)"};
+    for (int k = 1; k <= 3; ++k) {
+        rd.label(label[k]);
         if (rd.title(deck.title[k]) != ReadStatus::ok) input_failure(rd, lst, "the title lines", ReadStatus::eof);
+    }
 }
 
 void read_options(RecordReader& rd, const Listing& lst, Options& o)
@@ -160,6 +164,7 @@ void read_wells(RecordReader& rd, const Listing& lst, Deck& d)
         lst.line(free_line("well index data for breakthrough well:"));
         lst.line(free_line(w.ixw, w.iyw, w.izw1, w.izw2));
         if (w.ixw != 0 && w.iyw != 0 && w.izw1 != 0 && w.izw2 != 0) d.wells.push_back(w);
+        else rd.note("an index 0: no well (a dummy record), its more still counts");
     } while (more > 0);
     const int nbt = (int)d.wells.size();
     lst.line(free_line("number of monitor wells ... ", nbt));
@@ -178,6 +183,7 @@ void read_fractures(RecordReader& rd, const Listing& lst, bool unsat, const Grid
                     {"error in reading fracture data", "check ilx1,ilx2,ily1,ily2,ilz1,ilz2,idim,iloc,aperture,more",
                      "program stopping"},
                     f.ilx1, f.ilx2, f.ily1, f.ily2, f.ilz1, f.ilz2, f.idim, f.iloc, f.aperture, more);
+        if (is_dummy(f)) rd.note("an index 0: no fracture (a dummy record), its more still counts");
         fracture_record(f, unsat, g, fr, lst, xz, xy);
     } while (more > 0);
 }
@@ -202,7 +208,11 @@ void read_properties(RecordReader& rd, const Listing& lst, bool unsat, const Gri
         read_worded(rd, lst, "record 15 (indexed properties)",
                     {"error reading indexed K data in gelmor.data", "program stopping ..."}, b.i1, b.i2, b.j1, b.j2,
                     b.k1, b.k2, v.ckx, v.cky, v.ckz, v.tcx, v.cps, v.ps, v.theta, v.satw, more);
-        if (!property_block(b, unsat, g, m, lst)) break;  // a zero index ends the list at once
+        if (!property_block(b, unsat, g, m, lst)) {  // a zero index ends the list at once
+            rd.note("an index 0 (or an odd count of negative ones): block ignored, the list ends here whatever "
+                    "its more");
+            break;
+        }
     } while (more > 0);
 }
 
@@ -265,6 +275,7 @@ void read_surface_records(RecordReader& rd, const Listing& lst, bool leaky, Deck
             s.phase < -365 || s.gradt > 1 || s.gradt < -1 || s.gradx > 1 || s.gradx < -1)
             stop_run(lst, {"error ... ", "non-physical cosine surface temperature parameters", "program stopping"});
         if (more < 0 || set == maxs) break;
+        rd.note("more 0 or above on set 1: a second set follows (-1 ends the sets)");
     }
     read_cosine7(rd, lst, "record 17 (conductance layer thickness)", "conductance layer thickness variation", d.bz_thick);
     read_cosine7(rd, lst, "record 18 (conductance layer saturation)", "conductance layer saturation variation", d.bz_sat);
@@ -374,6 +385,7 @@ void read_initial_blocks(RecordReader& rd, const Listing& lst, const Options& op
                                        free_items("nx,ny,nzt ...", g.nx, g.ny, g.nzt), "program stopping ..."});
                     },
                     d.tinit);
+    trace_section(rd, "record 26 (initial concentration blocks)", opt.kmass == 1 || opt.kmass == 3, "kmass", opt.kmass);
     if (!(opt.kmass == 1 || opt.kmass == 3)) return;
     lst.line(free_line("initial concentration conditions"));
     read_block_list(rd, lst, g, "record 26 (initial concentration block)", "error reading concentration initial conditions",

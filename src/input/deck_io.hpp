@@ -18,8 +18,15 @@ void read_record(RecordReader& rd, const Listing& lst, std::string_view what, st
 void read_record(RecordReader& rd, const Listing& lst, std::string_view what,
                  std::initializer_list<std::string> words, std::span<const Slot> slots);
 // A record whose own words cover end of file as well.
-void read_record_eof(RecordReader& rd, const Listing& lst, std::initializer_list<std::string> words,
-                     std::span<const Slot> slots);
+void read_record_eof(RecordReader& rd, const Listing& lst, std::string_view what,
+                     std::initializer_list<std::string> words, std::span<const Slot> slots);
+
+// Notes for a reader's trace, which cost nothing without one: whether a section or an
+// input file is there at all, by the option that decides it ("record 13h (boundary
+// section, heat): present, kmass = 3"), and what a boundary code of a face asks for.
+void trace_section(RecordReader& rd, std::string_view section, bool present, std::string_view option, int value);
+void trace_file(RecordReader& rd, std::string_view file, bool read, std::string_view option, int value);
+void trace_face(RecordReader& rd, int face, int code);
 
 // The input layer's stop for a read that went wrong.
 [[noreturn]] void input_failure(const RecordReader& rd, const Listing& lst, std::string_view what, ReadStatus st);

@@ -36,12 +36,40 @@ bool RecordReader::next_line()
 
 ReadStatus RecordReader::title(std::string& text)
 {
+    if (trace_) {
+        taken_.clear();
+        first_line_ = 0;
+    }
     if (!next_line()) {
         problem_ = "end of file";
+        if (trace_) report(ReadStatus::eof, true);
         return ReadStatus::eof;
     }
     text = line_.substr(0, 80);
+    if (trace_) {
+        take(text);
+        report(ReadStatus::ok, true);
+    }
     return ReadStatus::ok;
+}
+
+void RecordReader::take(std::string_view text)
+{
+    if (first_line_ == 0) first_line_ = line_no_;
+    taken_.emplace_back(text);
+}
+
+void RecordReader::report(ReadStatus st, bool title)
+{
+    std::string_view rest;
+    if (!title && st == ReadStatus::ok && line_open_) {
+        const std::size_t from = pos_ + (slashed_ ? 1 : 0);  // past the "/" that ended the list
+        if (from < line_.size()) rest = std::string_view(line_).substr(from);
+    }
+    const ReadTrace r{label_, title, first_line_, line_no_, taken_, rest, st,
+                      st == ReadStatus::ok ? std::string_view() : std::string_view(problem_)};
+    trace_->read(r);
+    label_.clear();
 }
 
 bool parse_int(std::string_view t, int& v)
@@ -97,10 +125,16 @@ void RecordReader::begin_list()
     line_open_ = false;
     slashed_ = false;
     repeat_left_ = 0;
+    if (trace_) {
+        taken_.clear();
+        first_line_ = 0;
+        by_value_ = true;
+    }
 }
 
 void RecordReader::end_list()
 {
+    if (trace_ && by_value_) report(ReadStatus::ok, false);
     line_open_ = false;  // the rest of the line is a remark
 }
 
@@ -167,19 +201,31 @@ ReadStatus RecordReader::value(const Slot& s)
 {
     if (slashed_) return ReadStatus::ok;
     std::string_view text;
-    const ReadStatus st = next_item(text);
-    if (st != ReadStatus::ok || slashed_ || text.empty()) return st;
-    const bool good = s.i ? parse_int(text, *s.i) : parse_real(text, *s.d);
-    if (!good) {
+    ReadStatus st = next_item(text);
+    if (trace_ && st == ReadStatus::ok) take(slashed_ ? std::string_view("/") : text);
+    if (st == ReadStatus::ok && !slashed_ && !text.empty() && !(s.i ? parse_int(text, *s.i) : parse_real(text, *s.d))) {
         problem_ = std::string(s.i ? "expected an integer" : "expected a number") + ", found \"" + shown(text) + "\"";
-        return ReadStatus::bad;
+        st = ReadStatus::bad;
     }
-    return ReadStatus::ok;
+    if (trace_ && by_value_ && st != ReadStatus::ok) {
+        report(st, false);
+        by_value_ = false;  // reported once, whether or not the caller ends the list
+    }
+    return st;
 }
 
 ReadStatus RecordReader::list(std::span<const Slot> slots)
 {
     begin_list();
+    by_value_ = false;
+    const ReadStatus st = list_values(slots);
+    if (trace_) report(st, false);
+    if (st == ReadStatus::ok) line_open_ = false;  // the rest of the line is a remark
+    return st;
+}
+
+ReadStatus RecordReader::list_values(std::span<const Slot> slots)
+{
     if (slots.empty()) {
         if (!next_line()) { problem_ = "end of file"; return ReadStatus::eof; }
         return ReadStatus::ok;
@@ -188,6 +234,5 @@ ReadStatus RecordReader::list(std::span<const Slot> slots)
         const ReadStatus st = value(s);
         if (st != ReadStatus::ok) return st;
     }
-    end_list();
     return ReadStatus::ok;
 }

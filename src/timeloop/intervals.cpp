@@ -6,7 +6,8 @@
 void read_interval_times(RecordReader& rd, const Listing& lst, IntervalRecord& iv)
 {
     const Slot t1[] = {iv.t1, iv.t2, iv.dt, iv.k2dfreq, iv.kflowfreq, iv.k3dfreq, iv.kmomfreq, iv.more};
-    read_record_eof(rd, lst, {"error reading time step data ...", "program stopping ..."}, t1);
+    read_record_eof(rd, lst, "record T1 (t1 t2 dt k2dfreq kflowfreq k3dfreq kmomfreq more)",
+                    {"error reading time step data ...", "program stopping ..."}, t1);
     if (!(iv.t1 < iv.t2)) stop_run(lst, {"error detected in time step data", "check and rerun ... program stopping "});
 }
 
@@ -21,6 +22,7 @@ bool read_patch(RecordReader& rd, const Listing& lst, PatchRecord& p, bool& acti
     int more = 0;
     read_plain(rd, lst, "record T3 (i1 i2 j1 j2 tpatch more)", p.i1, p.i2, p.j1, p.j2, p.tpatch, more);
     active = p.i1 != 0 && p.i2 != 0 && p.j1 != 0 && p.j2 != 0;
+    if (!active) rd.note("an index 0: no patch, the list ends here whatever its more");
     return active && more > 0;
 }
 

@@ -75,6 +75,7 @@ void read_heaters(RecordReader& rd, const Listing& lst, int kmass, const Grid& g
                            "program stopping ..."});
         if (h.i1 <= 0 || h.i2 <= 0 || h.j1 <= 0 || h.j2 <= 0 || h.k1 <= 0 || h.k2 <= 0) {
             lst.line(free_line("0 entry for internal source elements, continuing..."));
+            rd.note("an index 0 or below: no heater, the list ends here whatever its more");
             break;
         }
         lst.line(free_line("internal heat source this time interval ... "));

@@ -239,6 +239,12 @@ void time_loop(RunState& rs, RecordReader& rd, const Listing& lst, const Console
     } while (L.iv.more > 0);
 }
 
+void read_intervals(RunState& rs, RecordReader& rd, const Listing& lst)
+{
+    do start_interval(rs, rd, lst);
+    while (rs.loop.iv.more > 0);
+}
+
 void end_of_run(RunState& rs, const Listing& lst, const Console& con)
 {
     lst.line(free_line("# time steps numit ... ", (int)rs.loop.numit));

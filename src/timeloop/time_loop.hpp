@@ -26,5 +26,8 @@ struct LoopState {
 // The interval loop: reads each interval's records and steps through it, until an
 // interval's `more` is 0 or below.
 void time_loop(RunState& rs, RecordReader& rd, const Listing& lst, const Console& con);
+// Every interval's records T1..T5 with their checks and echoes, read as the interval
+// loop reads them but without a step: the rest of the deck, for a deck checker.
+void read_intervals(RunState& rs, RecordReader& rd, const Listing& lst);
 // The closing summaries and the normal end of a run.
 void end_of_run(RunState& rs, const Listing& lst, const Console& con);

@@ -1,5 +1,6 @@
 // Fuzz driver for the input phase: runs mutants of the seed decks through the input
-// phases in memory (run_input_in_memory), stopping before the time loop.
+// phases and the interval records in memory (run_input_in_memory), without a time step,
+// with a trace sink on the deck's reader, as the deck checker runs them.
 //
 // Mutant i is a pure function of the seed and i, so any failure is replayed with
 // --write i DIR or --run i.  The first mutants are the exhaustive junk phase (each junk of
@@ -10,7 +11,8 @@
 // Mutants run in batches in forked children, so that a crash, a sanitizer report or a
 // hang (killed by alarm after --timeout seconds) takes down one child only; the parent
 // reads from a pipe which mutant was running, counts the failure and goes on after it.
-// A stop that leaves no message as the last words of the listing is a failure too.
+// A stop that leaves no message as the last words of the listing is a failure too, and so
+// is a trace whose reads do not go forward through the deck.
 
 #include "control/run.hpp"
 #include "timeloop/run_state.hpp"
@@ -214,11 +216,26 @@ struct Mutants {
     }
 };
 
+// Checks that each read of the trace starts past the last line of the one before.
+struct ForwardSink final : TraceSink {
+    int last = 0;
+    bool forward = true;
+    void read(const ReadTrace& r) override
+    {
+        if (r.first_line != 0 && r.first_line <= last) forward = false;
+        if (r.last_line < last || (r.first_line != 0 && r.last_line < r.first_line)) forward = false;
+        last = r.last_line;
+    }
+    void note(std::string_view) override {}
+};
+
 // Runs one mutant; false for a stop that left no message at the end of the listing.
 bool run_one(const Texts& texts)
 {
-    const InputRun r = run_input_in_memory(texts);
-    return !r.stopped || ends_with_message(r.listing);
+    ForwardSink sink;
+    const InputRun r = run_input_in_memory(texts, RunScope::deck, &sink);
+    if (!sink.forward) std::fprintf(stderr, "a read of the trace does not go forward\n");
+    return sink.forward && (!r.stopped || ends_with_message(r.listing));
 }
 
 // A child: runs the mutants from `first` to before `last`, none past the deadline, and
@@ -233,7 +250,7 @@ bool run_one(const Texts& texts)
         const bool clean = run_one(mutants(i));
         alarm(0);
         if (!clean) {
-            std::fprintf(stderr, "stop without a message at the end of the listing\n");
+            std::fprintf(stderr, "stop without a message at the end of the listing, or a trace out of order\n");
             _exit(3);
         }
     }
