@@ -206,6 +206,12 @@ void read_bzin(Files& files, const Listing& lst, ForcingTables& t)
     for (int k = 1; k <= n; ++k) {
         BzPoint& p = t.bz[k];
         if (rd.value(p.time) != ReadStatus::ok || rd.value(p.nzones) != ReadStatus::ok) fail();
+        // a zone is a range of top columns: more zones than a grid can have columns is a
+        // broken file, and would ask for more memory than there is
+        if (p.nzones > nf)
+            stop_run(lst, {"error, bzin.data point " + std::to_string(k) + " has nzones = " + std::to_string(p.nzones),
+                           "more zones than the " + std::to_string(nf) + " columns a grid can have",
+                           "program stopping ..."});
         p.nzones = std::max(p.nzones, 0);
         p.zone.assign(p.nzones + 1, BzZone{});
         for (int z = 1; z <= p.nzones; ++z) {

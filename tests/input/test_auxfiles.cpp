@@ -113,6 +113,12 @@ TEST(AuxFiles, TablesOfTheSurfaceForcing)
     ASSERT_FALSE(o.stopped) << o.listing;
     EXPECT_EQ(s.t.bz[1].nzones, 9);
     EXPECT_DOUBLE_EQ(s.t.bz[1].zone[9].bzq, 9.0);
+    // but not more zones than a grid has columns: the largest integer would ask for 64 GB
+    o = with_files({{"bzin.data", "bz\n1\n0.0 2147483647 1 1 0.5 0 0\n"}},
+                   [&](Files& f, const Listing& l) { read_bzin(f, l, s.t); });
+    ASSERT_TRUE(o.stopped);
+    EXPECT_TRUE(o.has("\n          error, bzin.data point 1 has nzones = 2147483647\n"
+                      "          more zones than the 251001 columns a grid can have\n")) << o.listing;
 }
 
 TEST(AuxFiles, GivenVelocitiesAndSeabedTable)
