@@ -76,7 +76,6 @@ void size_solves(RunState& rs)
         for (const FieldIndex* fi : {&rs.heat, &rs.mass}) nwork = std::max(nwork, 3 * fi->neq + fi->pat.nvec);
     // the block list never holds more blocks than equations
     size_solver_work(rs.work, nn, nnz, nwork, rs.flow.neq + 1, solves_transport(rs.opt));
-    rs.bs.assign(rs.flow.neq + 1, 0.0);
 }
 
 // Velocities given by the deck instead of a flow solution.

@@ -46,8 +46,8 @@ inline double flow_buoyancy_T(double T)
 // One implicit step of the head equation div(K kr/rv (grad h + r e_z)) + Q = ss Wu dh/dt
 // on the flow grid with hexahedra and fractures, solved for f.u from f.u as start vector;
 // f.u0 is the head at the start of the step.  qsrc are the nodal sources by transport node.
-// bs is a work column of at least neq+1 values; `steps`, when given, receives the
-// solver's step count.
+// bs is a work column of at least neq+1 values, which may be w.work (the solve starts
+// after bs is spent); `steps`, when given, receives the solver's step count.
 // The assembly of flow_step alone: w.a and w.b hold the system, by equation.
 void assemble_flow(const Grid& g, const Media& m, const Fractures& fr, const ElementTables& et, const FlowParams& fp,
                    const std::vector<double>& qsrc, const FieldIndex& flow, const Fields& f, SolverWork& w,

@@ -50,5 +50,4 @@ struct RunState {
     Histories hist;                // per-step series of wells, fronts and heater means
     PlotOutputs plots;             // counters and buffer of the result files
     SolverWork work;               // matrix values, right-hand side and solver work of one solve
-    std::vector<double> bs;        // flow storage and buoyancy terms by equation
 };

@@ -65,8 +65,9 @@ void stop_if_not_finite(const char* field, const std::vector<double>& u, int n, 
 
 void flow_solve(RunState& rs, const Listing& lst, const Console& con)
 {
-    flow_step(rs.grid, rs.media, rs.frac, rs.tables, flow_params(rs), rs.src.qsrc, rs.flow, rs.f, rs.work, rs.bs, con,
-              lst);
+    // the storage and buoyancy terms gather in the solver's work, free until the solve
+    flow_step(rs.grid, rs.media, rs.frac, rs.tables, flow_params(rs), rs.src.qsrc, rs.flow, rs.f, rs.work,
+              rs.work.work, con, lst);
     stop_if_not_finite("flow", rs.f.u, rs.grid.nn, rs, true, lst);
 }
 
