@@ -40,9 +40,6 @@ std::vector<std::vector<double>> rows(const std::string& text, int skip)
     return out;
 }
 
-// Water density: the cubic about its maximum at 4 C.
-double rho_w(double t) { return 1000.0 * (1.0 - 6.562e-6 * (t - 4) * (t - 4) + 2.166e-8 * std::pow(t - 4, 3)); }
-
 // Heat only with v1, no heat boundaries, equal heads on both x faces: nothing crosses the
 // boundary and the stored heat must stay.
 const std::vector<std::pair<std::string, std::string>> insulated = {
@@ -64,39 +61,6 @@ std::vector<std::pair<std::string, std::string>> with(std::vector<std::pair<std:
 }
 
 }  // namespace
-
-TEST(BalanceRuns, InsulatedConductionKeepsItsHeat)
-{
-    const DeckRun r = run_deck(small_deck(insulated));
-    ASSERT_EQ(r.status, 0) << r.listing;
-    // tref is the bottom node (level 3/2 = 1) at 8 C; each 1 m3 brick of the lower layer has
-    // a mean of 7.25 C, of the upper 5.75 C; C = 0.7*800*2650 + 0.3*pw*4186
-    auto cap = [](double t) { return 0.7 * 800.0 * 2650.0 + 0.3 * rho_w(t) * 4186.0; };
-    const double htota = 3 * ((7.25 - 8) * cap(7.25) + (5.75 - 8) * cap(5.75));
-    const double htotr = 3 * (280.25 * cap(7.25) + 278.75 * cap(5.75));
-    EXPECT_NEAR(values_after(r, "reference temperature for heat: tref   : ").at(0), 8.0, 1e-12);
-    EXPECT_NEAR(values_after(r, "initial absolute heat content (wrt Tref): ").at(0), htota, 1e-9 * std::fabs(htota));
-    EXPECT_NEAR(values_after(r, "initial relative heat content (wrt t2mpa: ").at(0), htotr, 1e-9 * htotr);
-
-    const std::vector<double> bal = values_after(r, "heat balance (%) ..................  ");
-    ASSERT_EQ(bal.size(), 10u);
-    for (double b : bal) EXPECT_LT(std::fabs(b), 0.01);
-    EXPECT_FALSE(r.has("fluid volume injected"));
-
-    const std::string htot = r.dir->read("htot_flux.plt");
-    EXPECT_TRUE(check_plot_text(htot, e_rows(6, 16, 8)).ok()) << htot;
-    const auto h = rows(htot, 3);
-    ASSERT_EQ(h.size(), 11u);  // setup and ten steps
-    EXPECT_TRUE(htot.find("number of print times:       11") != std::string::npos) << htot;
-    EXPECT_NEAR(h[0][2], htota, 1e-6 * std::fabs(htota));
-    for (int i = 1; i <= 10; ++i) {
-        EXPECT_NEAR(h[i][0], i, 1e-9);
-        // the content stays but for the density's change with T in the capacity of the sum
-        EXPECT_LT(std::fabs(h[i][2] - htota), 1e-3 * std::fabs(htota));
-        for (int c = 3; c <= 5; ++c) EXPECT_EQ(h[i][c], 0.0);            // no sources, leak or recharge
-    }
-    EXPECT_FALSE(r.has("thermal energy"));  // no sources: no recovery lines
-}
 
 TEST(BalanceRuns, SoluteRunHasNoHeatContent)
 {

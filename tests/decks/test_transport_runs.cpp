@@ -28,19 +28,6 @@ std::vector<std::vector<double>> rows_of(const std::string& text, int skip)
     return rows;
 }
 
-TEST(TransportRuns, SoluteColumnExampleFollowsOgataBanks)
-{
-    const DeckRun r = run_deck(example_deck("solute_column"));
-    ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
-    const double v = 1e-5, D = 0.5 * v;
-    for (const auto& [file, days] : {std::pair{"tc3d1_gelmor.out", 20.0}, std::pair{"tc3d2_gelmor.out", 40.0}}) {
-        const auto rows = rows_of(r.dir->read(file), 3);
-        ASSERT_EQ(rows.size(), 804u) << file;
-        for (const auto& row : rows)
-            EXPECT_NEAR(row[4], ogata_banks(row[0], days * 86400.0, v, D), 0.01) << file << " x = " << row[0];
-    }
-}
-
 TEST(TransportRuns, FixedHeadsCarryTheWeightOfTheSaltColumn)
 {
     // salt enters from the top; every fixed head of the x faces becomes its deck value plus

@@ -51,40 +51,6 @@ std::vector<std::vector<double>> field_rows(const std::string& text)
     return rows;
 }
 
-TEST(WaterTableRuns, DupuitSectionBetweenTwoHeads)
-{
-    const double h1 = 10, h2 = 6, L = 100, K = 1e-5, dx = 5;
-    for (const char* options : {"0 1 1 0 0 0 1 0 0 0 0 1 0 0", "0 1 1 1 0 0 1 0 0 0 0 1 0 0"}) {
-        const DeckRun r = run_deck(dupuit_deck(options, h2));
-        ASSERT_TRUE(r.has("**** normal exit ****")) << r.listing;
-        EXPECT_TRUE(r.has(" watertable has converged in ")) << options;
-        const auto rows = field_rows(r.dir->read("tc3d1_gelmor.out"));
-        ASSERT_EQ(rows.size(), 21u * 2 * 11);
-        const auto node = [&](int i, int k) { return rows[(std::size_t)i * 22 + k]; };  // column i (0-based) of y row 1
-        std::vector<double> b(21);
-        for (int i = 0; i <= 20; ++i) {
-            b[i] = node(i, 10)[2];
-            const double x = node(i, 10)[0];
-            const double want = std::sqrt(h1 * h1 - (h1 * h1 - h2 * h2) * x / L);
-            if (i < 20) EXPECT_NEAR(b[i], want, 0.03 * want) << options << " x = " << x;
-            EXPECT_NEAR(node(i, 10)[5], b[i], 1e-4) << "the top node carries its own head";
-        }
-        // discharge across the middle: Darcy flux of every layer between columns 10 and 11
-        double q = 0;
-        for (int k = 0; k < 10; ++k) {
-            const double grad = (node(11, k)[5] + node(11, k + 1)[5] - node(10, k)[5] - node(10, k + 1)[5]) / 2 / dx;
-            const double dz = (node(10, k + 1)[2] - node(10, k)[2] + node(11, k + 1)[2] - node(11, k)[2]) / 2;
-            q -= K * grad * dz;
-        }
-        EXPECT_NEAR(q, K * (h1 * h1 - h2 * h2) / (2 * L), 0.01 * K * (h1 * h1 - h2 * h2) / (2 * L)) << options;
-        // the volume under the moved top, as the listing prints it
-        double vol = 0;
-        for (int i = 0; i < 20; ++i) vol += dx * 1.0 * (b[i] + b[i + 1]) / 2;
-        const std::string last = r.listing.substr(r.listing.rfind("total domain volume ..."));
-        EXPECT_NEAR(std::stod(last.substr(last.find("0."))), vol, 0.0006 * vol) << last.substr(0, 60);
-    }
-}
-
 TEST(WaterTableRuns, UnsaturatedLayersKeepTheirTopAtTheDecks)
 {
     // two more layers of transport grid above the flow grid, up to 12 m
