@@ -179,7 +179,7 @@ void scatter_transport(int n, const int* nodes, const double* amat, const double
 }
 
 void scatter_brick(const int nodes[9], const std::uint8_t* slots, const double amat[9][9], const double bmat[9][9],
-                   const double cmat[9][9], TransportTarget& tt)
+                   const double cmat[9][9], TransportTarget& tt, Share share)
 {
     const int* idir = tt.idir.data();
     const int* ncum = tt.ncum.data();
@@ -195,20 +195,24 @@ void scatter_brick(const int nodes[9], const std::uint8_t* slots, const double a
         eq[j] = idir[q] == 1 ? 0 : q - ncum[q];
         wq[j] = w[q];
     }
-    // each row's b and rvec gather their terms in a register, in the order of the columns
+    // each row's b and rvec gather their terms in a register, in the order of the columns;
+    // a row this sweep does not add to is not touched at all (another thread may own it)
     for (int i = 1; i <= 8; ++i) {
         const int m1 = eq[i];
         if (m1 == 0) continue;
-        double bm = b[m1], rv = rvec[m1];
+        const bool row = adds_to(share, i, i);
+        double bm = row ? b[m1] : 0.0, rv = row ? rvec[m1] : 0.0;
         for (int j = 1; j <= 8; ++j) {
             if (eq[j] == 0) {
                 bm -= (amat[i][j] + bmat[i][j]) * wq[j];
                 continue;
             }
-            if (m1 <= eq[j]) a[ia[eq[j]] + pair_slot(slots, i, j) - 1] += amat[i][j];
+            if (m1 <= eq[j] && adds_to(share, i, j)) a[ia[eq[j]] + pair_slot(slots, i, j) - 1] += amat[i][j];
             rv = rv + cmat[i][j] - bmat[i][j] * wq[j];
         }
-        b[m1] = bm;
-        rvec[m1] = rv;
+        if (row) {
+            b[m1] = bm;
+            rvec[m1] = rv;
+        }
     }
 }

@@ -3,6 +3,7 @@
 #include <span>
 
 #include "base/options.hpp"
+#include "element/layers.hpp"
 #include "element/tables.hpp"
 #include "solver/lower_csr.hpp"
 #include "transport/dispersion.hpp"
@@ -89,9 +90,11 @@ struct TransportTarget {
 };
 
 // The brick scatter with the slots found in advance for this element (see
-// ElementPositions): the same additions in the same order as scatter_transport.
+// ElementPositions): the same additions in the same order as scatter_transport; `share`
+// as for_each_element_in_order hands it.
 void scatter_brick(const int nodes[9], const std::uint8_t* slots, const double amat[9][9], const double bmat[9][9],
-                   const double cmat[9][9], TransportTarget& tt);
+                   const double cmat[9][9], TransportTarget& tt,
+                   Share share = Share::all);
 
 // Adds an element of N nodes: amat into a (lower triangle), a fixed neighbour's old value
 // times amat + bmat into b, and cmat - bmat w into rvec.  cmat may be null (no growth).

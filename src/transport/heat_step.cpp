@@ -43,7 +43,9 @@ double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velociti
     const ThermalConstants& tc = hp.tc;
     const TransportScheme& s = hp.scheme;
     const double root_tclw = std::sqrt(tc.tclw), root_tcli = std::sqrt(tc.tcli);
-    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, [&](int e, const int* nodes) {
+    // v2 may stop at an element without liquid water: its bricks stay on one thread
+    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, version == 1,
+                           [&](int e, const int* nodes) {
         const double Tn = mean8(f.t10, nodes), Ti = mean8(f.t1i, nodes);
         const double por = m.por[e], th = por * m.sw[e];
         const double wn = Wu(Tn, hp.medium), wi = Wu(Ti, hp.medium);

@@ -58,7 +58,7 @@ void assemble_mass(const Grid& g, Media& m, const Fractures& fr, const Velocitie
         bt.dtinv = mp.scheme.dtinv;
         return bt;
     };
-    const double R = assemble_bricks(g, et, mp.kint, mp.decay, mp.agefx, mass, f.t20, f.t20, w, cmat, tt, terms);
+    const double R = assemble_bricks(g, et, mp.kint, mp.decay, mp.agefx, mass, f.t20, f.t20, w, cmat, tt, true, terms);
     assemble_fractures(g, m, fr, v, et, mp, R, tt);
 
     // injected water dilutes the node towards its concentration: a third-type term; a

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/listing.hpp"
+#include "element/layers.hpp"
 #include "element/tables.hpp"
 #include "flow/field_index.hpp"
 #include "flow/velocities.hpp"
@@ -38,22 +39,50 @@ struct BrickTerms {
 // the matrices and they are scattered with the old-level field `old`; `pass` is the
 // other field terms reads.  On large grids the loads of the elements ahead are started
 // early (the rows an element adds to lie far apart).  Any other kint leaves the matrices of the element before.
-// Returns the R of the last element.
+// Returns the R of the last element; cmat is left as the last element made it.
+// With `on_threads` the bricks are shared among the threads in runs of whole layers, every
+// sum still in element order (for_each_element_in_order); terms must then write nothing
+// but its own element's values and must not stop the run.
 template <class Terms>
 double assemble_bricks(const Grid& g, const ElementTables& et, int kint, double decay, double agefx,
                        const FieldIndex& fi, const std::vector<double>& old, const std::vector<double>& pass,
-                       SolverWork& w, double cmat[9][9], TransportTarget& tt, Terms&& terms)
+                       SolverWork& w, double cmat[9][9], TransportTarget& tt, bool on_threads, Terms&& terms)
 {
+    const std::vector<int>& inc = transport_incidence(g);
+    const bool fast = fi.epos.ne == g.net && g.net > 0;  // slots found in advance
+    const ElementStreams streams{inc.data(),       g.net,      fi.idir.data(), fi.ncum.data(),
+                                 fi.pat.ia.data(), w.a.data(), w.b.data(),     w.rvec.data(),
+                                 {old.data(), pass.data(), nullptr, nullptr}};
+    if (fast && on_threads && (kint == 0 || kint == 1)) {
+        for_each_element_in_order(g.net, g.nexy, [&](int e, Share share) {
+            int nodes[9];
+            double amat[9][9], bmat[9][9], cm[9][9];
+            prefetch_element(streams, e);
+            for (int i = 1; i <= 8; ++i) nodes[i] = node_at(inc, e, i);
+            BrickTerms bt = terms(e, nodes);
+            if (kint == 1)
+                elmatn(bt.c, bt.dtinv, g.x, g.y, g.z, nodes, amat, bmat, bt.R, et.gauss);
+            else
+                elmatd(bt.c, et, bt.dtinv, g.dxe[e], g.dye[e], g.dze[e], bt.R, decay, agefx, amat, bmat, cm);
+            scatter_brick(nodes, &fi.epos.k[(std::size_t)(e - 1) * ElementPositions::per_element], amat, bmat,
+                          kint == 1 ? cmat : cm, tt, share);
+        });
+        tt.t.k = fi.epos.last_k;
+        // what one thread leaves behind: the last element's R, and its cmat on the tables path
+        int nodes[9];
+        double amat[9][9], bmat[9][9];
+        for (int i = 1; i <= 8; ++i) nodes[i] = node_at(inc, g.net, i);
+        BrickTerms bt = terms(g.net, nodes);
+        if (kint == 0)
+            elmatd(bt.c, et, bt.dtinv, g.dxe[g.net], g.dye[g.net], g.dze[g.net], bt.R, decay, agefx, amat, bmat, cmat);
+        return bt.R;
+    }
     int nodes[9];
     double amat[9][9] = {}, bmat[9][9] = {};
     double R = 0.0;
-    const bool fast = fi.epos.ne == g.net && g.net > 0;  // slots found in advance
-    const ElementStreams streams{transport_incidence(g).data(),    g.net,      fi.idir.data(), fi.ncum.data(),
-                                 fi.pat.ia.data(), w.a.data(), w.b.data(),     w.rvec.data(),
-                                 {old.data(), pass.data(), nullptr, nullptr}};
     for (int e = 1; e <= g.net; ++e) {
         if (fast) prefetch_element(streams, e);
-        for (int i = 1; i <= 8; ++i) nodes[i] = node_at(transport_incidence(g), e, i);
+        for (int i = 1; i <= 8; ++i) nodes[i] = node_at(inc, e, i);
         BrickTerms bt = terms(e, nodes);
         R = bt.R;
         if (kint == 1)
