@@ -34,6 +34,44 @@ double source_wu(double T, const FreezeParams& f, double& knee)
     return w;
 }
 
+// What a brick holds at both levels, from the element means: temperatures, unfrozen
+// fractions, liquid water heat capacities and the water content.
+struct BrickLevels {
+    double Tn, Ti, wn, wi, cn, ci, th;
+};
+
+BrickLevels brick_levels(const Fields& f, const Media& m, const HeatParams& hp, int e, const int* nodes)
+{
+    BrickLevels b;
+    b.Tn = mean8(f.t10, nodes);
+    b.Ti = mean8(f.t1i, nodes);
+    b.th = m.por[e] * m.sw[e];
+    b.wn = Wu(b.Tn, hp.medium);
+    b.wi = Wu(b.Ti, hp.medium);
+    b.cn = pw(b.Tn, hp.lheat) * hp.tc.cf;
+    b.ci = pw(b.Ti, hp.lheat) * hp.tc.cf;
+    return b;
+}
+
+// The heat capacity of the liquid water of a brick, mean of both levels: what carries
+// advection, and what v2 divides its equation by.
+double water_capacity(const BrickLevels& b) { return ((b.cn + b.ci) / 2.0) * ((b.wn * b.th + b.wi * b.th) / 2.0); }
+
+// v2 cannot take a brick without liquid water: the first such brick stops the run before
+// any is assembled, so that the assembly itself never stops and may share the bricks
+// among the threads.
+void check_water_capacities(const Grid& g, const Media& m, const HeatParams& hp, const Fields& f, const Listing& lst)
+{
+    const std::vector<int>& inc = transport_incidence(g);
+    for (int e = 1; e <= g.net; ++e) {
+        const double den = water_capacity(brick_levels(f, m, hp, e, &inc[(std::size_t)(e - 1) * 8]));
+        if (!(den > 0))
+            stop_run(lst, {free_items("error, element", e, "holds no liquid water for heat transport (v2)"),
+                           "its water capacity (wn*th + wi*th)/2 * (cn + ci)/2 is not above 0:", free_items(den),
+                           "check porosity and saturation, or use ksubtr=1", "program stopping ..."});
+    }
+}
+
 // The bricks: contents of water and ice at both levels from the element means, the
 // apparent capacities and the bulk conductivity, then the coefficients of each version.
 double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velocities& v, const ElementTables& et,
@@ -43,20 +81,19 @@ double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velociti
     const ThermalConstants& tc = hp.tc;
     const TransportScheme& s = hp.scheme;
     const double root_tclw = std::sqrt(tc.tclw), root_tcli = std::sqrt(tc.tcli);
-    // v2 may stop at an element without liquid water: its bricks stay on one thread
-    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, version == 1,
+    if (version == 2) check_water_capacities(g, m, hp, f, lst);
+    return assemble_bricks(g, et, hp.kint, hp.decay, hp.agefx, heat, f.t10, f.t1i, w, cmat, tt, true,
                            [&](int e, const int* nodes) {
-        const double Tn = mean8(f.t10, nodes), Ti = mean8(f.t1i, nodes);
-        const double por = m.por[e], th = por * m.sw[e];
-        const double wn = Wu(Tn, hp.medium), wi = Wu(Ti, hp.medium);
-        const double cn = pw(Tn, hp.lheat) * tc.cf, ci = pw(Ti, hp.lheat) * tc.cf;
+        const BrickLevels b = brick_levels(f, m, hp, e, nodes);
+        const double por = m.por[e], th = b.th;
+        const double wn = b.wn, wi = b.wi, cn = b.cn, ci = b.ci;
         const double cs = m.csol[e] * (1.0 - por);
         m.tkel[e] = tk_roots(wi, por, m.sw[e], root_tclw, root_tcli, std::sqrt(m.tcx[e]));
         const double vx = v.vx[e], vy = v.vy[e], vz = v.vz[e];
         BrickTerms bt;
         if (version == 1) {
-            m.co0[e] = wn * th * cn + cs + (1.0 - wn) * th * tc.cice + dWu(Tn, hp.medium) * por * tc.wlh * tc.rhoi;
-            m.co1[e] = cs + wi * th * ci + (1.0 - wi) * th * tc.cice + dWu(Ti, hp.medium) * por * tc.wlh * tc.rhoi;
+            m.co0[e] = wn * th * cn + cs + (1.0 - wn) * th * tc.cice + dWu(b.Tn, hp.medium) * por * tc.wlh * tc.rhoi;
+            m.co1[e] = cs + wi * th * ci + (1.0 - wi) * th * tc.cice + dWu(b.Ti, hp.medium) * por * tc.wlh * tc.rhoi;
             const double co = (m.co0[e] + m.co1[e]) / 2.0;
             // conductivity next to dispersivities that keep their diffusivity units: the
             // capacity multiplies only the augmentation and the advection
@@ -69,14 +106,9 @@ double assemble_heat_bricks(int version, const Grid& g, Media& m, const Velociti
         }
         const double C0 = wn * th * cn + cs + (1.0 - wn) * th * tc.cice;
         const double C1 = cs + wi * th * ci + (1.0 - wi) * th * tc.cice;
-        m.co0[e] = C0 + dWu(Tn, hp.medium) * por * tc.rhoi * tc.wlh;
-        m.co1[e] = C1 + dWu(Ti, hp.medium) * por * tc.rhoi * tc.wlh;
-        // heat capacity of the liquid water, mean of both levels: what carries advection
-        const double den = ((cn + ci) / 2.0) * ((wn * th + wi * th) / 2.0);
-        if (!(den > 0))
-            stop_run(lst, {free_items("error, element", e, "holds no liquid water for heat transport (v2)"),
-                           "its water capacity (wn*th + wi*th)/2 * (cn + ci)/2 is not above 0:", free_items(den),
-                           "check porosity and saturation, or use ksubtr=1", "program stopping ..."});
+        m.co0[e] = C0 + dWu(b.Tn, hp.medium) * por * tc.rhoi * tc.wlh;
+        m.co1[e] = C1 + dWu(b.Ti, hp.medium) * por * tc.rhoi * tc.wlh;
+        const double den = water_capacity(b);  // above 0: checked before the loop
         bt.R = ((C0 + C1) / 2.0) / den;
         const double kappa = m.tkel[e] / den;
         const Tensor D = dispersion_tensor(hp.disp, vx, vy, vz, kappa + hp.dd);
