@@ -37,9 +37,13 @@ void precg(std::span<const double> a, const LowerPattern& p, std::span<double> d
     int* ib = iblk.data();
 
     // A block is a maximal run of equations each coupled to its predecessor and to nothing
-    // else inside the run.  Columns descend within a row, so two entries tell it.
+    // else inside the run.  Columns descend within a row, so two entries tell it.  The LDL^T
+    // of each tridiagonal block follows in the same pass: d becomes the relaxed inverse
+    // pivots and e the L factors, the unrelaxed inverse carried to the next row (the pivot
+    // recurrence is a chain of divisions; a pass of its own would only add the reloads).
     nblk = 0;
-    int bs = 0;  // first equation of the open block
+    int bs = 0;        // first equation of the open block
+    double inv = 0.0;  // inverse pivot of the row before, unrelaxed
     for (int i = 1; i <= neq; ++i) {
         const int k = ia[i];
         const int kend = ia[i + 1];
@@ -55,25 +59,17 @@ void precg(std::span<const double> a, const LowerPattern& p, std::span<double> d
                 con.line(msg);
                 stop_run(lst, {msg});
             }
+            ev[i] = (k + 1 < kend) ? av[k + 1] : 0.0;  // a block's first e is never used
+            inv = 1.0 / av[k];
+        } else {
+            const double c = av[k + 1];
+            const double t = c * inv;
+            ev[i] = t;
+            inv = 1.0 / (av[k] - c * t);
         }
-        dv[i] = av[k];
-        ev[i] = (k + 1 < kend) ? av[k + 1] : 0.0;  // a one-entry row's e is never used
+        dv[i] = relax * inv;
     }
     ib[nblk + 1] = neq + 1;
-
-    // LDL^T of each tridiagonal block: d becomes the inverse pivots, e the L factors.
-    for (int blk = 1; blk <= nblk; ++blk) {
-        const int f = ib[blk];
-        const int l = ib[blk + 1] - 1;
-        dv[f] = 1.0 / dv[f];
-        for (int i = f + 1; i <= l; ++i) {
-            const double t = ev[i] * dv[i - 1];
-            const double c = ev[i];
-            ev[i] = t;
-            dv[i] = 1.0 / (dv[i] - c * t);
-        }
-    }
-    for (int i = 1; i <= neq; ++i) dv[i] = relax * dv[i];
 }
 
 void cgtriadapt(std::span<const double> a, const LowerPattern& p, std::span<const double> r,

@@ -51,6 +51,34 @@ void plain_block_solve(int f, int l, const std::vector<double>& w, std::vector<d
     for (int i = l - 1; i >= f; --i) z[i] = z[i] * d[i] - e[i + 1] * z[i + 1];
 }
 
+// The block setup in two passes: the blocks and the raw d, e first, then the LDL^T of each
+// block, then the relaxation.
+void plain_block_setup(const std::vector<double>& a, const LowerPattern& p, std::vector<double>& d,
+                       std::vector<double>& e, std::vector<int>& iblk, int& nblk)
+{
+    nblk = 0;
+    int bs = 0;
+    for (int i = 1; i <= p.neq; ++i) {
+        const int k = p.ia[i], kend = p.ia[i + 1];
+        if (kend == k + 1 || p.ja[k + 1] != i - 1 || (k + 2 < kend && p.ja[k + 2] >= bs)) {
+            iblk[++nblk] = i;
+            bs = i;
+        }
+        d[i] = a[k];
+        e[i] = (k + 1 < kend) ? a[k + 1] : 0.0;
+    }
+    iblk[nblk + 1] = p.neq + 1;
+    for (int b = 1; b <= nblk; ++b) {
+        d[iblk[b]] = 1.0 / d[iblk[b]];
+        for (int i = iblk[b] + 1; i < iblk[b + 1]; ++i) {
+            const double t = e[i] * d[i - 1], c = e[i];
+            e[i] = t;
+            d[i] = 1.0 / (d[i] - c * t);
+        }
+    }
+    for (int i = 1; i <= p.neq; ++i) d[i] = 1.3 * d[i];
+}
+
 // The block sweep: all of the forward pass, block by block, then all of the backward pass.
 void plain_block_sweep(const std::vector<double>& a, const LowerPattern& p, const std::vector<double>& r,
                        std::vector<double>& z, std::vector<double>& w, const std::vector<double>& d,
@@ -157,6 +185,12 @@ void expect_plain_results(const LowerPattern& p, const Values& s, const std::str
     int nblk = 0;
     Channels ch;
     ssor::precg(s.a, p, d, e, iblk, neq + 1, nblk, ch.con, ch.lst);
+    std::vector<double> d0(neq + 1), e0(neq + 1);
+    std::vector<int> iblk0(neq + 2);
+    int nblk0 = 0;
+    plain_block_setup(s.a, p, d0, e0, iblk0, nblk0);
+    EXPECT_EQ(nblk, nblk0) << what;
+    EXPECT_TRUE(same_bits(d, d0) && same_bits(e, e0) && iblk == iblk0) << "block setup, " << what;
     ssor::cgtriadapt(s.a, p, s.v, zz, w, d, e, iblk, nblk);
     plain_block_sweep(s.a, p, s.v, zz0, w0, d, e, iblk, nblk);
     EXPECT_TRUE(same_bits(zz, zz0)) << "cgtriadapt z, " << what;
