@@ -42,7 +42,7 @@ rep.check("|v| of first, last brick / (Kz gammac / por)", max(abs(v) for v in ve
 _, zones = gv.read_plot_file(d / "veloc3d.out")
 rep.check("|v| of all bricks / (Kz gammac / por)",
           max(abs(v) for r in zones[0].rows for v in r[3:6]) / VSCALE, 1e-6)
-col = sorted((r[2], r[5]) for r in rows if r[0] == 0.0 and r[1] == 0.0)
+col = gv.field_line(rows, 2, 5)
 zs = [z for z, _ in col]
 gv.svg_plot(a.plot, "Salt-stratified column at rest", "z (m)", "freshwater head (m)",
             [{"label": "gelmor", "x": zs, "y": [h for _, h in col], "style": "points"},

@@ -49,7 +49,7 @@ for n, (name, segments) in enumerate(RUNS):
     err = max(abs(r[2] * b_of(r[0]) * W - q) / q for r in zones[0].rows)
     rep.check(f"{name}: Q, all {len(zones[0].rows)} elements (7 digits)", err, 1e-6)
     _, rows = gv.read_field_file(d / "tc3d1_gelmor.out")
-    plane = sorted((r[0], r[5]) for r in rows if r[1] == 0.0 and r[2] == 0.0)
+    plane = gv.field_line(rows, 0, 5)
     exact = []
     for x, _ in plane:
         h, left = H1, x

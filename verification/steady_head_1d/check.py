@@ -44,7 +44,7 @@ rep.check("head of first, last free plane (all digits)", err, 1e-8)
 t, rows = gv.read_field_file(d / "tc3d1_gelmor.out")
 err = max(abs(r[5] - exact(r[0])) / exact(r[0]) for r in rows)
 rep.check("every nodal head (7-digit file)", err, 1e-6)
-line = sorted((r[0], r[5]) for r in rows if r[1] == 0.0 and r[2] == 0.0)
+line = gv.field_line(rows, 0, 5)
 xs = [x for x, _ in line]
 gv.svg_plot(a.plot, "Steady head, graded column", "x (m)", "head (m)",
             [{"label": "gelmor", "x": xs, "y": [h for _, h in line], "style": "points"},

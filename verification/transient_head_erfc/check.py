@@ -24,10 +24,6 @@ def exact(x, t):
     return H0 + DH * math.erfc(x / (2 * math.sqrt(DIFF * t)))
 
 
-def column(rows):
-    return sorted((r[0], r[5]) for r in rows if r[1] == 0.0 and r[2] == 0.0)
-
-
 a = gv.arguments(__doc__)
 rep = gv.Report(a.case)
 deck = gv.case_deck(a)
@@ -40,7 +36,7 @@ for n, (n1, n2, dt) in enumerate(LEVELS):
     run = gv.set_record(run, "[time steps]", f"0.0 1.0 {dt} 1 1 1 1 0")
     d = gv.run(a, run, subdir=f"level{n + 1}")
     t, rows = gv.read_field_file(d / "tc3d2_gelmor.out")
-    line = column(rows)
+    line = gv.field_line(rows, 0, 5)
     err = max(abs(h - exact(x, t * 86400.0)) for x, h in line) / DH
     errors.append(err)
     rep.note(f"level {n + 1}: dx {200.0 / n1:g} m / {200.0 / n2:g} m, dt {dt:g} d: "
